@@ -1,0 +1,32 @@
+// Where a program prints to and reads lines from. Each engine is given one.
+#pragma once
+
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace pellum {
+
+// Output that could not be written. Not an error of the program, so no `try` of it catches this.
+struct OutputError {};
+
+class Console {
+public:
+    // REQUIRES: both streams outlive the console.
+    Console(std::istream& in, std::ostream& out) noexcept : in_(in), out_(out) {}
+
+    // Both throw OutputError when the stream has failed.
+    void write(std::string_view text);
+    void flush();
+
+    // The next line of the input without its newline (a carriage return stays), or none at its end.
+    // Output is flushed before the wait.
+    std::optional<std::string> readLine();
+
+private:
+    std::istream& in_;
+    std::ostream& out_;
+};
+
+}  // namespace pellum

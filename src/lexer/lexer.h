@@ -1,0 +1,20 @@
+// Turns a source text into tokens. Bytes are never decoded: columns count bytes, and bytes beyond
+// ASCII may stand in strings and comments only.
+#pragma once
+
+#include "lexer/token.h"
+
+#include <string_view>
+
+namespace pellum {
+
+// The tokens of `source`, ending with exactly one end of file. A UTF-8 byte order mark at the front
+// is skipped, and positions count from behind it. Throws LexError at the first problem, and
+// std::out_of_range for a number literal that no double can hold. Takes time linear in the text.
+std::vector<Token> tokenize(std::string_view source);
+
+// "number", "string", "interp-string", "name", "end of line", "end of file"; "token" for all
+// others.
+const char* tokenKindName(TokenKind kind) noexcept;
+
+}  // namespace pellum

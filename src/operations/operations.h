@@ -1,0 +1,48 @@
+// What operators, indexing and for-in mean: the rules that both engines share, each written once.
+// Every error is a RuntimeError at the position that the engine passes in; the few messages that
+// differ between the engines stay with them.
+#pragma once
+
+#include "driver/errors/errors.h"
+#include "value/value.h"
+
+namespace pellum {
+
+// In the order of the operators "+", "-", "*", "/", "//", "%", "^".
+enum class ArithmeticOp : std::uint8_t {
+    Add,
+    Subtract,
+    Multiply,
+    Divide,
+    FloorDivide,
+    Modulo,
+    Power,
+};
+
+// In the order of "<", "<=", ">", ">=".
+enum class Comparison : std::uint8_t { Less, LessEqual, Greater, GreaterEqual };
+
+// `left + right`: concatenates strings and lists, adds numbers. Takes the left part by value: a
+// string or list that nobody else holds is extended rather than copied.
+Value add(Value left, const Value& right, Position at);
+
+// Any operation on two numbers. REQUIRES: both are numbers.
+Value numberArithmetic(ArithmeticOp op, const Value& left, const Value& right, Position at);
+
+Value negate(const Value& operand, Position at);
+bool compare(Comparison comparison, const Value& left, const Value& right, Position at);
+
+// `object[index]`; a missing key of a map gives nil.
+Value readIndex(const Value& object, const Value& index, Position at);
+
+// `object[index] = value` for lists and maps.
+void writeIndex(const Value& object, const Value& index, Value value, Position at);
+
+// The position that a list index means, negative ones counting from the end, or the error
+// that both reading and writing raise.
+std::size_t listPosition(const Value& index, std::size_t length, Position at);
+
+// What a for-in visits, as of now: elements of a list, bytes of a string, keys of a map.
+std::vector<Value> elementsToVisit(const Value& iterable, Position at);
+
+}  // namespace pellum

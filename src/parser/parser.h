@@ -1,0 +1,14 @@
+// A recursive-descent parser with precedence climbing; it stops at the first error.
+#pragma once
+
+#include "lexer/token.h"
+#include "parser/ast.h"
+
+namespace pellum {
+
+// The program that `tokens` spell. REQUIRES: the last token, and no other, is the end of file.
+// Throws ParseError, also for nesting that the host's stack cannot hold, and what `tokenize` throws
+// for the code inside interpolated strings.
+Block parse(std::vector<Token> tokens);
+
+}  // namespace pellum

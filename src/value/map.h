@@ -1,0 +1,63 @@
+// The storage of a map: key/value pairs in insertion order. Lookup scans while the map is small;
+// a larger map also keeps an index from key to position, so that the cost of a lookup does not
+// grow with the map. Order, key equality and every result are those of the plain scan.
+#pragma once
+
+#include "value/value.h"
+
+namespace pellum {
+
+class MapData final : public Object {
+public:
+    struct Entry {
+        Value key;
+        Value value;
+    };
+
+    // In order of first insertion. Replacing a value never moves its entry.
+    const std::vector<Entry>& entries() const noexcept { return entries_; }
+    std::size_t size() const noexcept { return entries_.size(); }
+
+    // The value under the first key that is keysEqual to `key`, or null. The pointer is valid until
+    // the map next changes.
+    Value* find(const Value& key) noexcept;
+    const Value* find(const Value& key) const noexcept {
+        return const_cast<MapData*>(this)->find(key);
+    }
+
+    // Replaces the value under `key`, keeping the key as first stored, or appends an entry.
+    void set(const Value& key, Value&& value);
+
+    // Removes the entry under `key`, keeping the order of the others; false if there is none. The
+    // cost is that of moving the entries behind it.
+    bool remove(const Value& key);
+
+    // A new map with the same entries in the same order; keys and values are shared.
+    Ref<MapData> copy() const;
+
+private:
+    static constexpr std::size_t npos = static_cast<std::size_t>(-1);
+
+    // One slot of the index: part of the key's hash, and the entry's position plus one (0: free).
+    struct Slot {
+        std::uint32_t hash = 0;
+        std::uint32_t positionPlusOne = 0;
+    };
+
+    std::size_t findPosition(const Value& key) const noexcept;
+    void addToIndex(std::size_t position) noexcept;
+    void rebuildIndex(std::size_t slotCount);
+
+    std::vector<Entry> entries_;
+    std::vector<Slot> slots_;  // empty while the map is small, else a power of two
+};
+
+inline Value::Value(Ref<MapData> map) noexcept : Value(ValueKind::Map, map.leak()) {}
+inline MapData& Value::asMap() const {
+    require(isMap());
+    return static_cast<MapData&>(*payload_.object);
+}
+
+inline std::size_t mapSize(const MapData& map) noexcept { return map.size(); }
+
+}  // namespace pellum

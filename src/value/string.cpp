@@ -1,0 +1,195 @@
+#include "value/string.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <new>
+#include <random>
+#include <stdexcept>
+#include <unordered_map>
+
+namespace pellum {
+
+// Bytes that several strings share from the front. Only ever appended to, so every holder's part
+// stays what it was.
+class StringBuffer {
+public:
+    static StringBuffer* make(std::size_t capacity) {
+        void* memory = ::operator new(sizeof(StringBuffer) + capacity);
+        return new (memory) StringBuffer(capacity);
+    }
+
+    void retain() noexcept { ++references_; }
+    void release() noexcept {
+        if (--references_ == 0) ::operator delete(this);
+    }
+
+    char* data() noexcept { return reinterpret_cast<char*>(this + 1); }
+    std::size_t used() const noexcept { return used_; }
+    bool hasRoomFor(std::size_t count) const noexcept { return count <= capacity_ - used_; }
+
+    // REQUIRES: hasRoomFor(text.size()).
+    void append(std::string_view text) noexcept {
+        std::memmove(data() + used_, text.data(), text.size());
+        used_ += text.size();
+    }
+
+private:
+    explicit StringBuffer(std::size_t capacity) noexcept : capacity_(capacity) {}
+
+    std::size_t references_ = 1;
+    std::size_t used_ = 0;
+    std::size_t capacity_;
+};
+
+namespace {
+
+// Up to here a result is copied whole rather than given a buffer to grow in.
+constexpr std::size_t maxInlineResult = 128;
+
+void checkLength(std::size_t length) {
+    if (length > maxStringLength) throw std::length_error("string too long");
+}
+
+}  // namespace
+
+Ref<StringObj> StringObj::makeUninitialized(std::size_t length) {
+    checkLength(length);
+    const std::size_t beyond = length > sizeof(inline_) ? length - sizeof(inline_) : 0;
+    auto* string = new (::operator new(sizeof(StringObj) + beyond)) StringObj;
+    string->length_ = static_cast<std::uint32_t>(length);
+    return Ref<StringObj>(string);
+}
+
+Ref<StringObj> StringObj::makeOver(StringBuffer* adopted, std::size_t length) {
+    StringObj* string = nullptr;
+    try {
+        string = new (::operator new(sizeof(StringObj))) StringObj;
+    } catch (...) {
+        adopted->release();
+        throw;
+    }
+    string->buffer_ = adopted;
+    string->bytes_ = adopted->data();
+    string->length_ = static_cast<std::uint32_t>(length);
+    return Ref<StringObj>(string);
+}
+
+Ref<StringObj> StringObj::make(std::string_view text) {
+    if (text.empty()) return empty();
+    if (text.size() == 1) return oneByte(static_cast<unsigned char>(text[0]));
+    Ref<StringObj> string = makeUninitialized(text.size());
+    std::memcpy(const_cast<char*>(string->bytes_), text.data(), text.size());
+    return string;
+}
+
+StringObj::~StringObj() {
+    if (!isInline()) buffer_->release();
+}
+
+Ref<StringObj> StringObj::concatenate(Ref<StringObj> left, std::string_view right) {
+    if (right.empty()) return left;
+    const std::size_t leftLength = left->length_;
+    const std::size_t length = leftLength + right.size();
+    checkLength(length);
+
+    if (length <= maxInlineResult) {
+        Ref<StringObj> result = makeUninitialized(length);
+        char* bytes = const_cast<char*>(result->bytes_);
+        std::memcpy(bytes, left->bytes_, leftLength);
+        std::memcpy(bytes + leftLength, right.data(), right.size());
+        return result;
+    }
+
+    const bool endsItsBuffer = !left->isInline() && left->buffer_->used() == leftLength;
+    if (endsItsBuffer && left->buffer_->hasRoomFor(right.size())) {
+        StringBuffer* buffer = left->buffer_;
+        if (left->isUnshared()) {
+            buffer->append(right);
+            left->length_ = static_cast<std::uint32_t>(length);
+            left->hash_ = 0;
+            return left;
+        }
+        buffer->retain();
+        Ref<StringObj> result = makeOver(buffer, length);
+        buffer->append(right);
+        return result;
+    }
+
+    // A left part that has been appended to before will be again: leave room. Any other sum gets
+    // what it needs and no more.
+    const std::size_t capacity =
+        endsItsBuffer ? std::min(length + length / 2, std::max(length, maxStringLength)) : length;
+    StringBuffer* buffer = StringBuffer::make(capacity);
+    buffer->append(left->view());
+    buffer->append(right);
+    return makeOver(buffer, length);
+}
+
+std::uint64_t StringObj::computeHash() const noexcept { return hash_ = hashBytes(view()); }
+
+struct StringObj::Shared {
+    Shared() {
+        for (std::size_t byte = 0; byte < oneByte.size(); ++byte) {
+            oneByte[byte] = makeUninitialized(1);
+            oneByte[byte]->inline_[0] = static_cast<char>(byte);
+        }
+    }
+
+    Ref<StringObj> empty = makeUninitialized(0);
+    std::array<Ref<StringObj>, 256> oneByte;
+};
+
+const StringObj::Shared& StringObj::shared() {
+    thread_local const Shared strings;
+    return strings;
+}
+
+const Ref<StringObj>& StringObj::oneByte(unsigned char byte) { return shared().oneByte[byte]; }
+const Ref<StringObj>& StringObj::empty() { return shared().empty; }
+
+namespace {
+
+__extension__ using Wide = unsigned __int128;
+
+std::uint64_t mix(std::uint64_t a, std::uint64_t b) noexcept {
+    const Wide product = static_cast<Wide>(a) * b;
+    return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
+}
+
+std::uint64_t loadUpTo8(const char* bytes, std::size_t count) noexcept {
+    std::uint64_t word = 0;
+    std::memcpy(&word, bytes, count);
+    return word;
+}
+
+}  // namespace
+
+std::uint32_t hashBytes(std::string_view bytes) noexcept {
+    static const std::array<std::uint64_t, 2> seed = [] {
+        std::random_device device;
+        const auto word = [&] { return (std::uint64_t{device()} << 32 | device()) | 1; };
+        return std::array{word(), word()};
+    }();
+    std::uint64_t state = seed[0] ^ bytes.size();
+    const char* at = bytes.data();
+    std::size_t left = bytes.size();
+    for (; left > 8; at += 8, left -= 8) {
+        state = mix(state ^ loadUpTo8(at, 8), seed[1]);
+    }
+    state = mix(state ^ loadUpTo8(at, left), seed[1]);
+    const auto hash = static_cast<std::uint32_t>(state ^ state >> 32);
+    return hash ? hash : 1;
+}
+
+Symbol::Symbol(std::string_view text) {
+    thread_local std::unordered_map<std::string_view, Ref<StringObj>> interned;
+    auto found = interned.find(text);
+    if (found == interned.end()) {
+        Ref<StringObj> string = StringObj::make(text);
+        found = interned.emplace(string->view(), string).first;
+    }
+    string_ = found->second;
+}
+
+}  // namespace pellum

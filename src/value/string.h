@@ -1,0 +1,86 @@
+// Strings of the language: immutable byte sequences of at most `maxStringLength` bytes, shared by
+// all who hold them. Short ones carry their bytes inline. Longer ones are a length over a counted,
+// append-only buffer, so that building a string piece by piece costs time in proportion to the
+// result: `concatenate` writes behind its left part where that part ends at the end of the buffer,
+// and older holders, who keep their own length, see nothing of it.
+#pragma once
+
+#include "value/value.h"
+
+namespace pellum {
+
+inline constexpr std::size_t maxStringLength = 0x7FFF'FFFF;
+
+class StringBuffer;
+
+class StringObj final : public Object {
+public:
+    // A new string with a copy of `text`. Throws std::length_error beyond maxStringLength and
+    // std::bad_alloc when memory is refused, as do all functions below that make strings.
+    static Ref<StringObj> make(std::string_view text);
+
+    std::string_view view() const noexcept { return {bytes_, length_}; }
+    std::size_t length() const noexcept { return length_; }
+
+    // A hash of the bytes, computed once. Seeded per process, so that keys cannot be chosen to
+    // collide.
+    std::uint64_t hash() const noexcept { return hash_ ? hash_ : computeHash(); }
+
+    // The string `left` followed by `right`. When the caller gives away the only reference to a
+    // left part that can grow, that very object is extended and returned.
+    static Ref<StringObj> concatenate(Ref<StringObj> left, std::string_view right);
+
+    // The shared strings of one byte and of none: these cost no allocation.
+    static const Ref<StringObj>& oneByte(unsigned char byte);
+    static const Ref<StringObj>& empty();
+
+    static void operator delete(void* memory) { ::operator delete(memory); }
+
+private:
+    StringObj() noexcept = default;
+    ~StringObj() override;
+
+    struct Shared;
+    static const Shared& shared();
+
+    bool isInline() const noexcept { return bytes_ == inline_; }
+    std::uint64_t computeHash() const noexcept;
+    static Ref<StringObj> makeUninitialized(std::size_t length);
+    static Ref<StringObj> makeOver(StringBuffer* adopted, std::size_t length);
+
+    const char* bytes_ = inline_;
+    std::uint32_t length_ = 0;
+    mutable std::uint32_t hash_ = 0;  // 0: not yet computed
+    union {
+        char inline_[8];  // the bytes of a short string start here and run past the object's end
+        StringBuffer* buffer_;
+    };
+};
+
+// A seeded hash of some bytes, never 0.
+std::uint32_t hashBytes(std::string_view bytes) noexcept;
+
+// A name or literal of a program, interned: equal texts share one StringObj, so symbols compare by
+// address, and a field access finds its key by address too. Interned strings live until the thread
+// ends.
+class Symbol {
+public:
+    Symbol() : string_(StringObj::empty()) {}
+    explicit Symbol(std::string_view text);
+
+    std::string_view text() const noexcept { return string_->view(); }
+    const Ref<StringObj>& string() const noexcept { return string_; }
+    friend bool operator==(const Symbol&, const Symbol&) noexcept = default;
+
+private:
+    Ref<StringObj> string_;
+};
+
+inline Value::Value(Ref<StringObj> string) noexcept : Value(ValueKind::String, string.leak()) {}
+inline const StringObj& Value::asString() const {
+    require(isString());
+    return static_cast<const StringObj&>(*payload_.object);
+}
+inline std::string_view Value::asText() const { return asString().view(); }
+
+}  // namespace pellum
