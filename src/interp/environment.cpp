@@ -1,0 +1,59 @@
+#include "interp/environment.h"
+
+namespace pellum {
+
+namespace {
+
+// Up to here comparing the few names one by one beats hashing.
+constexpr std::size_t maxUnindexed = 8;
+
+}  // namespace
+
+Value* Environment::findHere(const StringObj* name) noexcept {
+    if (!index_.empty()) {
+        const auto found = index_.find(name);
+        return found == index_.end() ? nullptr : &bindings_[found->second].value;
+    }
+    for (Binding& binding : bindings_) {
+        if (binding.name == name) return &binding.value;
+    }
+    return nullptr;
+}
+
+void Environment::define(const Symbol& name, Value value) {
+    const StringObj* key = name.string().get();
+    if (Value* existing = findHere(key)) {
+        *existing = std::move(value);
+        return;
+    }
+    bindings_.push_back({key, std::move(value)});
+    if (!index_.empty()) {
+        index_.emplace(key, bindings_.size() - 1);
+    } else if (bindings_.size() > maxUnindexed) {
+        for (std::size_t position = 0; position < bindings_.size(); ++position) {
+            index_.emplace(bindings_[position].name, position);
+        }
+    }
+}
+
+Value* Environment::lookup(const Symbol& name) noexcept {
+    const StringObj* key = name.string().get();
+    for (Environment* scope = this; scope; scope = scope->parent_.get()) {
+        if (Value* found = scope->findHere(key)) return found;
+    }
+    return nullptr;
+}
+
+bool Environment::assign(const Symbol& name, Value value) {
+    Value* found = lookup(name);
+    if (found) *found = std::move(value);
+    return found != nullptr;
+}
+
+void Environment::clear() noexcept {
+    // The values die after the bindings are gone, in case their end reaches this scope again.
+    const std::vector<Binding> dying = std::exchange(bindings_, {});
+    index_.clear();
+}
+
+}  // namespace pellum
