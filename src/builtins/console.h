@@ -9,7 +9,9 @@
 namespace pellum {
 
 // Output that could not be written. Not an error of the program, so no `try` of it catches this.
-struct OutputError {};
+struct OutputError {
+    bool readerIsGone = false;  // a closed pipe: whoever read the output has had enough
+};
 
 class Console {
 public:

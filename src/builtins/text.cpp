@@ -1,0 +1,184 @@
+#include "builtins/families.h"
+
+#include "builtins/search.h"
+#include "value/format.h"
+
+#include <algorithm>
+
+// Text is bytes here: lengths and positions count them, and only the letters of ASCII have a case.
+
+namespace pellum::library {
+
+namespace {
+
+char upperByte(char byte) noexcept {
+    return byte >= 'a' && byte <= 'z' ? static_cast<char>(byte - 'a' + 'A') : byte;
+}
+
+char lowerByte(char byte) noexcept {
+    return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
+}
+
+// Calls `visit` with each word: whatever stands between runs of white space.
+template <typename Visit>
+void forEachWord(std::string_view text, Visit visit) {
+    std::size_t start = text.find_first_not_of(whiteSpace);
+    while (start != text.npos) {
+        const std::size_t end = std::min(text.find_first_of(whiteSpace, start), text.size());
+        visit(text.substr(start, end - start));
+        start = text.find_first_not_of(whiteSpace, end);
+    }
+}
+
+// Calls `visit` with each piece before, between and after the occurrences of `separator`, which do
+// not overlap. REQUIRES: the separator is not empty.
+template <typename Visit>
+void forEachPiece(std::string_view text, std::string_view separator, Visit visit) {
+    TextSearcher searcher(separator);
+    std::size_t start = 0;
+    for (std::size_t end; (end = searcher.find(text, start)) != TextSearcher::npos;
+         start = end + separator.size()) {
+        visit(text.substr(start, end - start));
+    }
+    visit(text.substr(start));
+}
+
+// A list of the texts that `forEach` visits. They are counted first where there may be too many.
+template <typename ForEach>
+Value listOfTexts(std::size_t mostPossible, ForEach forEach) {
+    if (mostPossible > maxListLength) {
+        std::size_t count = 0;
+        forEach([&](std::string_view) { checkListLength(++count); });
+    }
+    std::vector<Value> texts;
+    forEach([&](std::string_view text) { texts.emplace_back(text); });
+    return makeList(std::move(texts));
+}
+
+}  // namespace
+
+Value upper(Caller&, Arguments& args) {
+    std::string text = toDisplayString(args[0]);
+    std::transform(text.begin(), text.end(), text.begin(), upperByte);
+    return Value(text);
+}
+
+Value lower(Caller&, Arguments& args) {
+    std::string text = toDisplayString(args[0]);
+    std::transform(text.begin(), text.end(), text.begin(), lowerByte);
+    return Value(text);
+}
+
+Value capitalize(Caller&, Arguments& args) {
+    std::string text = toDisplayString(args[0]);
+    if (!text.empty()) text.front() = upperByte(text.front());
+    return Value(text);
+}
+
+Value trim(Caller&, Arguments& args) {
+    constexpr std::string_view trimmed = " \t\r\n";
+    const DisplayText given(args[0]);
+    const std::string_view text = given.view();
+    const std::size_t first = text.find_first_not_of(trimmed);
+    if (first == text.npos) return Value("");
+    return Value(text.substr(first, text.find_last_not_of(trimmed) - first + 1));
+}
+
+Value split(Caller&, Arguments& args) {
+    const std::string_view text = textArg(args[0], "split: expected a string");
+    const bool hasSeparator = args.size() > 1 && args[1].isString() && !args[1].asText().empty();
+    if (!hasSeparator) {
+        return listOfTexts(text.size() / 2 + 1, [&](auto visit) { forEachWord(text, visit); });
+    }
+    const std::string_view separator = args[1].asText();
+    return listOfTexts(text.size() / separator.size() + 1,
+                       [&](auto visit) { forEachPiece(text, separator, visit); });
+}
+
+Value join(Caller&, Arguments& args) {
+    const std::vector<Value>& elements = listArg(args[0], "join: first argument must be a list");
+    const Value noSeparator("");
+    const DisplayText given(args.size() > 1 ? args[1] : noSeparator);
+    const std::string_view separator = given.view();
+
+    // What is known of the length before any text is made: all but the texts of other kinds.
+    std::size_t length = elements.empty() ? 0 : separator.size() * (elements.size() - 1);
+    for (const Value& element : elements) {
+        if (element.isString()) length += element.asText().size();
+    }
+    checkStringLength(length);
+    std::string joined;
+    joined.reserve(length);
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+        if (i > 0) joined += separator;
+        joined += DisplayText(elements[i]).view();
+        checkStringLength(joined.size());
+    }
+    return Value(joined);
+}
+
+Value replace(Caller&, Arguments& args) {
+    const DisplayText givenText(args[0]);
+    const DisplayText givenOld(args[1]);
+    const DisplayText givenNew(args[2]);
+    const std::string_view text = givenText.view();
+    const std::string_view oldPart = givenOld.view();
+    const std::string_view newPart = givenNew.view();
+    if (oldPart.empty()) return Value(text);
+
+    std::size_t length = text.size();
+    if (newPart.size() != oldPart.size()) {
+        std::size_t pieces = 0;
+        std::size_t kept = 0;
+        forEachPiece(text, oldPart, [&](std::string_view piece) {
+            ++pieces;
+            kept += piece.size();
+        });
+        length = kept + (pieces - 1) * newPart.size();
+        checkStringLength(length);
+    }
+    std::string result;
+    result.reserve(length);
+    forEachPiece(text, oldPart, [&](std::string_view piece) {
+        if (piece.data() != text.data()) result += newPart;
+        result += piece;
+    });
+    return Value(result);
+}
+
+Value startsWith(Caller&, Arguments& args) {
+    const DisplayText text(args[0]);
+    const DisplayText prefix(args[1]);
+    return Value(text.view().starts_with(prefix.view()));
+}
+
+Value endsWith(Caller&, Arguments& args) {
+    const DisplayText text(args[0]);
+    const DisplayText suffix(args[1]);
+    return Value(text.view().ends_with(suffix.view()));
+}
+
+Value chars(Caller&, Arguments& args) {
+    require(args[0].isString(), "chars: expected a string");
+    const std::string_view text = args[0].asText();
+    checkListLength(text.size());
+    std::vector<Value> bytes;
+    bytes.reserve(text.size());
+    for (const char byte : text) {
+        bytes.emplace_back(StringObj::oneByte(static_cast<unsigned char>(byte)));
+    }
+    return makeList(std::move(bytes));
+}
+
+Value byteFromCode(Caller&, Arguments& args) {
+    const std::int64_t code = truncatedArg(args[0], "char");
+    require(code >= 0 && code <= 255, "char: code must be between 0 and 255");
+    return Value(StringObj::oneByte(static_cast<unsigned char>(code)));
+}
+
+Value ord(Caller&, Arguments& args) {
+    require(args[0].isString() && !args[0].asText().empty(), "ord: expected a non-empty string");
+    return Value(static_cast<unsigned char>(args[0].asText().front()));
+}
+
+}  // namespace pellum::library
