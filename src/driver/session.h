@@ -1,0 +1,33 @@
+// The streams of one run of the program, as the modes use them.
+#pragma once
+
+#include "builtins/console.h"
+#include "driver/errors/errors.h"
+
+#include <iosfwd>
+#include <string_view>
+
+namespace pellum {
+
+// The version of the program and of the language.
+inline constexpr std::string_view version = "6";
+
+class Session {
+public:
+    Session(std::istream& in, std::ostream& out, std::ostream& err) noexcept
+        : console(in, out), input(in), err_(err) {}
+
+    // Writes a line to standard error, behind all output that came before it.
+    void diagnose(std::string_view line);
+    // The same for an error of a program: rendered, or "Error: " and the text of a thrown value.
+    void diagnose(const PellumError& error, std::string_view source, std::string_view name);
+    void diagnose(const ThrownValue& thrown);
+
+    Console console;
+    std::istream& input;
+
+private:
+    std::ostream& err_;
+};
+
+}  // namespace pellum

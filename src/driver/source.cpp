@@ -1,0 +1,66 @@
+#include "driver/source.h"
+
+#include "compiler/compiler.h"
+#include "interp/interpreter.h"
+#include "lexer/lexer.h"
+#include "parser/parser.h"
+#include "vm/vm.h"
+
+#include <array>
+#include <fstream>
+
+namespace pellum {
+
+namespace {
+
+void runOnTree(std::string_view source, Session& session) {
+    const Block program = parse(tokenize(source));
+    Interpreter interpreter(session.console);
+    interpreter.run(program);
+}
+
+void runOnVM(std::string_view source, Session& session) {
+    const Ref<FunctionProto> script = compile(parse(tokenize(source)));
+    VM vm(session.console);
+    vm.run(script);
+}
+
+}  // namespace
+
+std::optional<std::string> readSourceFile(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) return std::nullopt;
+    std::string text;
+    std::array<char, 1 << 16> chunk;
+    do {
+        file.read(chunk.data(), chunk.size());
+        text.append(chunk.data(), static_cast<std::size_t>(file.gcount()));
+    } while (file);
+    if (file.bad()) return std::nullopt;
+    return text;
+}
+
+std::optional<std::string> readOrComplain(const std::string& path, Session& session) {
+    auto text = readSourceFile(path);
+    if (!text) session.diagnose("pellum: cannot open " + path);
+    return text;
+}
+
+ExitStatus runSource(std::string_view source, std::string_view name, Engine engine,
+                     Session& session) {
+    try {
+        if (engine == Engine::TreeWalker) {
+            runOnTree(source, session);
+        } else {
+            runOnVM(source, session);
+        }
+        return exitSuccess;
+    } catch (const PellumError& error) {
+        session.diagnose(error, source, name);
+    } catch (const ThrownValue& thrown) {
+        session.diagnose(thrown);
+    }
+    return exitFailure;
+}
+
+}  // namespace pellum

@@ -1,0 +1,27 @@
+// Reading and running one source text.
+#pragma once
+
+#include "driver/run_main.h"
+#include "driver/session.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace pellum {
+
+// The engine that runs files and snippets.
+enum class Engine { VirtualMachine, TreeWalker };
+
+// The bytes of a file, or none when it cannot be opened and read to its end.
+std::optional<std::string> readSourceFile(const std::string& path);
+
+// Reads a file; when that fails, says so and yields none.
+std::optional<std::string> readOrComplain(const std::string& path, Session& session);
+
+// Drives a source text through the whole pipeline and reports what it raises. `name` is the path as
+// typed, or "<-c>".
+ExitStatus runSource(std::string_view source, std::string_view name, Engine engine,
+                     Session& session);
+
+}  // namespace pellum
