@@ -42,12 +42,14 @@ std::optional<std::size_t> placeFor(std::int64_t index, std::size_t length) noex
     return static_cast<std::size_t>(place);
 }
 
+void failTooLarge() { throw std::length_error("too large"); }
+
 void checkListLength(std::size_t length) {
-    if (length > maxListLength) throw std::length_error("list too long");
+    if (length > maxListLength) failTooLarge();
 }
 
 void checkStringLength(std::size_t length) {
-    if (length > maxStringLength) throw std::length_error("string too long");
+    if (length > maxStringLength) failTooLarge();
 }
 
 Arguments pairOf(Value first, Value second) {

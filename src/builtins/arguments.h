@@ -37,7 +37,9 @@ inline void require(bool holds, const char* message) {
 // None when it lies before the first place or behind `length`, the place after the last element.
 std::optional<std::size_t> placeFor(std::int64_t index, std::size_t length) noexcept;
 
-// These throw std::length_error, before anything is allocated, where a result would be too large.
+// A result would be too large: throws std::length_error, which is reported in the builtin's name.
+// The length of a result is checked before anything is allocated for it.
+[[noreturn]] void failTooLarge();
 void checkListLength(std::size_t length);
 void checkStringLength(std::size_t length);
 

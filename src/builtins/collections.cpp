@@ -3,7 +3,6 @@
 #include "builtins/search.h"
 
 #include <algorithm>
-#include <stdexcept>
 
 namespace pellum::library {
 
@@ -29,7 +28,7 @@ std::size_t sliceBound(const Arguments& args, std::size_t which, std::size_t len
 
 // The length of `times` times `unitLength`, refused where it is beyond `limit`.
 std::size_t repeatedLength(std::size_t unitLength, std::size_t times, std::size_t limit) {
-    if (unitLength > 0 && times > limit / unitLength) throw std::length_error("repeated too often");
+    if (unitLength > 0 && times > limit / unitLength) failTooLarge();
     return unitLength * times;
 }
 

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
-#include <stdexcept>
 
 namespace pellum::library {
 
@@ -37,7 +36,7 @@ std::size_t Range::count() const {
 
     // Divided first, since the difference might overflow. Rounding at most doubles a step.
     const double estimate = end / step - start / step;
-    if (!(estimate <= 2.0 * maxListLength)) throw std::length_error("range too long");
+    if (!(estimate <= 2.0 * maxListLength)) failTooLarge();
     if (isExactOnIntegers()) {
         const auto exact = static_cast<std::size_t>(std::ceil((end - start) / step));
         checkListLength(exact);

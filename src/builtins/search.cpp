@@ -67,35 +67,31 @@ std::size_t TextSearcher::find(std::string_view text, std::size_t from) noexcept
 
 // The needle is cut where its maximal suffix starts, under that order of bytes which cuts later.
 // Then a mismatch in the right part moves the needle past the byte that differs, and a mismatch in
-// the left part moves it by the period of the whole.
+// the left part moves it by the period of the whole, or what is certainly not more than that.
 void TextSearcher::factorize() noexcept {
     const Suffix forward = maximalSuffix(needle_, false);
     const Suffix backward = maximalSuffix(needle_, true);
     const Suffix chosen = forward.start > backward.start ? forward : backward;
     cut_ = chosen.start;
-    period_ = chosen.period;
-    isPeriodic_ = needle_.substr(period_).starts_with(needle_.substr(0, cut_));
-    if (!isPeriodic_) period_ = std::max(cut_, needle_.size() - cut_) + 1;
+    const bool isPeriodic =
+        needle_.substr(chosen.period).starts_with(needle_.substr(0, chosen.start));
+    period_ = isPeriodic ? chosen.period : std::max(cut_, needle_.size() - cut_) + 1;
 }
 
 std::size_t TextSearcher::findTwoWay(std::string_view text, std::size_t from) noexcept {
     if (period_ == 0) factorize();
-    const std::size_t length = needle_.size();
-    std::size_t known = 0;  // bytes at the needle's front that a move by the period has kept equal
     std::size_t at = from;
-    while (text.size() - at >= length) {
-        std::size_t right = std::max(cut_, known);
-        while (right < length && needle_[right] == text[at + right]) ++right;
-        if (right < length) {
+    while (text.size() - at >= needle_.size()) {
+        std::size_t right = cut_;
+        while (right < needle_.size() && needle_[right] == text[at + right]) ++right;
+        if (right < needle_.size()) {
             at += right - cut_ + 1;
-            known = 0;
             continue;
         }
         std::size_t left = cut_;
-        while (left > known && needle_[left - 1] == text[at + left - 1]) --left;
-        if (left <= known) return at;
+        while (left > 0 && needle_[left - 1] == text[at + left - 1]) --left;
+        if (left == 0) return at;
         at += period_;
-        known = isPeriodic_ ? length - period_ : 0;
     }
     return npos;
 }

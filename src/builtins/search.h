@@ -23,11 +23,10 @@ private:
     std::size_t findTwoWay(std::string_view text, std::size_t from) noexcept;
 
     std::string_view needle_;
-    // Of the two-way search, once it has been needed: where the needle is cut in two, how far a
-    // match of the right part alone moves it, and whether the needle repeats itself at that period.
+    // Of the two-way search, once it has been needed: where the needle is cut in two, and how far
+    // it moves when its right part matches and its left part does not.
     std::size_t cut_ = 0;
     std::size_t period_ = 0;
-    bool isPeriodic_ = false;
 };
 
 }  // namespace pellum

@@ -3,6 +3,7 @@
 #include "driver/errors/errors.h"
 #include "value/parse_number.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <unordered_map>
 
@@ -46,6 +47,8 @@ public:
     explicit Lexer(std::string_view source) noexcept : source_(source) {}
 
     std::vector<Token> run() {
+        // Code has a token for every three or four bytes; the bound is for texts that are not code.
+        tokens_.reserve(std::min<std::size_t>(source_.size() / 4, 4096));
         while (!atEnd()) scan();
         add(TokenKind::EndOfFile, "");
         return std::move(tokens_);
