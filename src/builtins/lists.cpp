@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <limits>
 
 namespace pellum::library {
 
@@ -32,10 +33,13 @@ private:
 
 std::size_t Range::count() const {
     if (!contains(start)) return 0;
+    if (!contains(start + step)) return 1;
     if (start + step == start) throw RuntimeError("range: step too small to advance");
 
-    // Divided first, since the difference might overflow. Rounding at most doubles a step.
-    const double estimate = end / step - start / step;
+    // Divided first, since the difference might overflow. Rounding at most doubles a step. An
+    // infinite end is reached where the running number overflows.
+    constexpr double largest = std::numeric_limits<double>::max();
+    const double estimate = std::clamp(end, -largest, largest) / step - start / step;
     if (!(estimate <= 2.0 * maxListLength)) failTooLarge();
     if (isExactOnIntegers()) {
         const auto exact = static_cast<std::size_t>(std::ceil((end - start) / step));
