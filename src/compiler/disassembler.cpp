@@ -6,7 +6,7 @@ namespace pellum {
 
 namespace {
 
-std::string padLeft(std::string text, std::size_t width) {
+std::string padLeft(const std::string& text, std::size_t width) {
     return text.size() < width ? std::string(width - text.size(), ' ') + text : text;
 }
 std::string padRight(std::string text, std::size_t width) {

@@ -1,7 +1,6 @@
 #include "compiler/function_state.h"
 
 #include <algorithm>
-#include <ranges>
 
 namespace pellum {
 
@@ -14,9 +13,8 @@ void FunctionState::endScope(const Node& node) {
 }
 
 void FunctionState::emitLeaveScopes(std::int32_t depth, const Node& node) {
-    for (const Local& local : locals_ | std::views::reverse) {
-        if (local.depth <= depth) break;
-        emitRemoval(local, node);
+    for (auto local = locals_.rbegin(); local != locals_.rend() && local->depth > depth; ++local) {
+        emitRemoval(*local, node);
     }
 }
 

@@ -59,7 +59,7 @@ Value floatArithmetic(ArithmeticOp op, double a, double b, Position at) {
 Value concatenateLists(Value left, const Value& right) {
     const std::vector<Value>& tail = right.asList().items;
     std::vector<Value>& head = left.asList().items;
-    if (head.size() + tail.size() > maxListLength) throw std::length_error("list too long");
+    if (head.size() + tail.size() > maxListLength) throw std::length_error("list");
     if (left.object()->isUnshared()) {
         head.insert(head.end(), tail.begin(), tail.end());
         return left;

@@ -79,7 +79,7 @@ StmtPtr Parser::letStatement() {
 // function  ::=  "function" name function-rest
 StmtPtr Parser::functionDeclaration() {
     auto declaration = makeNode<FunctionDeclStmt>(advance());
-    declaration->function.name = expectName("a function name");
+    declaration->function.name = Symbol(advance().text);
     functionRest(declaration->function);
     return declaration;
 }

@@ -37,6 +37,8 @@ private:
 
     // Writes a plain value whole, or the opening bracket of a container.
     void open(const Value& value) {
+        const std::size_t atLeast = value.isString() ? value.asText().size() : 0;
+        if (out_.size() + atLeast > maxStringLength) throw std::length_error("text");
         if (!value.isList() && !value.isMap()) {
             value.isString() ? writeQuoted(value.asText()) : appendDisplay(out_, value);
         } else if (value.object()->isMarked()) {
@@ -46,7 +48,6 @@ private:
             value.object()->mark();
             out_ += value.isList() ? '[' : '{';
         }
-        if (out_.size() > maxStringLength) throw std::length_error("text too long");
     }
 
     // Shows the next element of the innermost open container, or closes it.
