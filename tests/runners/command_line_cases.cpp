@@ -1,0 +1,75 @@
+// Uses of the command line, each in this process and as a process of its own, in a folder that
+// holds the files of the case and nothing else.
+#include "runners/runners.h"
+
+#include "support/command_case.h"
+#include "support/files.h"
+#include "support/playing.h"
+#include "support/registration.h"
+#include "support/text.h"
+
+#include <gtest/gtest.h>
+
+namespace fs = std::filesystem;
+
+namespace pellum::test {
+
+namespace {
+
+void layOut(const CommandCase& commandCase, const fs::path& folder) {
+    for (const std::string& name : commandCase.directories) fs::create_directories(folder / name);
+    for (const CommandCase::File& file : commandCase.files) {
+        fs::create_directories((folder / file.name).parent_path());
+        writeFile(folder / file.name, file.contents);
+    }
+}
+
+Outcome playInside(const CommandCase& commandCase, const fs::path& folder) {
+    const CurrentFolder current(folder);
+    return playInProcess(commandCase.arguments, commandCase.input, commandCase.outputTo);
+}
+
+void expectMatch(const fs::path& path, std::string_view what, const ExpectedText& wanted,
+                 const std::string& given) {
+    if (wanted.matches(given)) return;
+    ADD_FAILURE_AT(path.c_str(), 1)
+        << firstDifference(what, wanted.text, given).value_or(std::string(what)) << "\nall of it:\n"
+        << given;
+}
+
+enum class Place { Inside, Outside };
+
+void play(const fs::path& path, Place place) {
+    const CommandCase commandCase = parseCommandCase(readFile(path));
+    const TemporaryFolder folder;
+    layOut(commandCase, folder.path());
+    const Outcome given = place == Place::Inside
+                              ? playInside(commandCase, folder.path())
+                              : playOutside(commandCase.arguments, commandCase.input, folder.path(),
+                                            Streams::Apart, commandCase.outputTo);
+    expectMatch(path, "standard output", commandCase.output, given.output);
+    expectMatch(path, "standard error", commandCase.errors, given.errors);
+    EXPECT_EQ(given.status, commandCase.status);
+}
+
+// Whether the case is about what only a process of its own can meet.
+bool needsProcess(const fs::path& path) {
+    try {
+        return parseCommandCase(readFile(path)).outputTo == OutputTo::ClosedPipe;
+    } catch (const std::runtime_error&) {
+        return false;  // playing it reports what is wrong
+    }
+}
+
+}  // namespace
+
+void registerCommandLineCases() {
+    if (!mayRun("cli/")) return;
+    for (const fs::path& path : filesUnder("tests/cli", ".case")) {
+        addTest(suiteName(path), "outside", path, [=] { play(path, Place::Outside); });
+        if (needsProcess(path)) continue;
+        addTest(suiteName(path), "inside", path, [=] { play(path, Place::Inside); });
+    }
+}
+
+}  // namespace pellum::test

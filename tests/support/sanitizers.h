@@ -1,0 +1,10 @@
+// What the sanitizer build has to be told.
+#pragma once
+
+namespace pellum::test {
+
+// Objects that refer to each other in a circle live until the program ends, by design, so leaks are
+// no mistake of this process and those that it starts. ASAN_OPTIONS=detect_leaks=1 asks for them.
+void allowCycles();
+
+}  // namespace pellum::test
