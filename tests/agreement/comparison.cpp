@@ -1,0 +1,128 @@
+#include "agreement/comparison.h"
+
+#include "support/text.h"
+
+#include <algorithm>
+#include <regex>
+
+namespace pellum::test {
+
+namespace {
+
+// The wording of the few messages that differ between the engines.
+std::string evenMessages(const std::string& text) {
+    static const std::regex operatorMessage("operator '[-+*/%^]+' needs numbers");
+    static const std::regex boundsMessage(
+        "numeric for-loop bounds must be numbers|for step must be a number");
+    return std::regex_replace(std::regex_replace(text, operatorMessage, "arithmetic needs numbers"),
+                              boundsMessage, "numeric for-loop needs numbers");
+}
+
+// Without columns, which one engine knows and the other does not, and without the carets below
+// them.
+std::string withoutColumns(const std::string& errors) {
+    static const std::regex column("(  --> .*:[0-9]+):[0-9]+\n");
+    static const std::regex caret("\n *\\^\n$");
+    return std::regex_replace(std::regex_replace(errors, column, "$1\n"), caret, "\n");
+}
+
+Outcome play(Engine engine, const std::string& source) {
+    Outcome outcome = playInProcess(onEngine(engine, {"-c", source}), "a line of input\n");
+    outcome.output = evenMessages(outcome.output);
+    outcome.errors = withoutColumns(evenMessages(outcome.errors));
+    return outcome;
+}
+
+// A program that lost a declaration or a loop may differ for another reason than the one sought.
+bool isDamaged(const Comparison& comparison) {
+    static const std::regex damage(
+        "undefined variable '(?!undefinedName)|'(break|continue)' outside a loop");
+    const auto showsDamage = [](const Outcome& outcome) {
+        return std::regex_search(outcome.output, damage) ||
+               std::regex_search(outcome.errors, damage);
+    };
+    return showsDamage(comparison.tree) || showsDamage(comparison.vm);
+}
+
+class Shrinker {
+public:
+    explicit Shrinker(Block program) : program_(std::move(program)) {}
+
+    Block run() {
+        while (shrinkBlock(program_)) {
+        }
+        return std::move(program_);
+    }
+
+private:
+    // Still a disagreement, with what has just been tried.
+    bool differs() const {
+        const Comparison comparison = compareEngines(textOf(program_));
+        return !comparison.agrees() && !isDamaged(comparison);
+    }
+
+    // Tries to do without half of the statements, a quarter, and so on down to single ones. Returns
+    // whether anything was left out.
+    bool shrinkBlock(Block& block) {
+        bool hasShrunk = false;
+        for (std::size_t length = std::max<std::size_t>(block.size() / 2, 1);; length /= 2) {
+            for (std::size_t at = 0; at + length <= block.size();) {
+                if (dropRun(block, at, length)) {
+                    hasShrunk = true;
+                } else {
+                    at += length;
+                }
+            }
+            if (length <= 1) break;
+        }
+        for (std::size_t at = 0; at < block.size(); ++at) {
+            if (unwrap(block, at)) hasShrunk = true;
+            for (std::size_t i = 0; i < block[at].sections.size(); ++i) {
+                if (shrinkBlock(block[at].sections[i].body)) hasShrunk = true;
+            }
+        }
+        return hasShrunk;
+    }
+
+    bool dropRun(Block& block, std::size_t at, std::size_t length) {
+        const auto first = block.begin() + static_cast<std::ptrdiff_t>(at);
+        const Block run(first, first + static_cast<std::ptrdiff_t>(length));
+        block.erase(first, first + static_cast<std::ptrdiff_t>(length));
+        if (differs()) return true;
+        block.insert(block.begin() + static_cast<std::ptrdiff_t>(at), run.begin(), run.end());
+        return false;
+    }
+
+    // Replaces a statement by what one of its bodies holds.
+    bool unwrap(Block& block, std::size_t at) {
+        const Block before = block;
+        for (const Statement::Section& section : before[at].sections) {
+            if (section.body.empty()) continue;
+            block.erase(block.begin() + static_cast<std::ptrdiff_t>(at));
+            block.insert(block.begin() + static_cast<std::ptrdiff_t>(at), section.body.begin(),
+                         section.body.end());
+            if (differs()) return true;
+            block = before;
+        }
+        return false;
+    }
+
+    Block program_;
+};
+
+}  // namespace
+
+std::string Comparison::difference() const {
+    const auto line = firstDifference("the virtual machine's output beside the tree-walker's",
+                                      tree.output + tree.errors, vm.output + vm.errors);
+    return line.value_or("exit status " + std::to_string(tree.status) + " on the tree-walker, " +
+                         std::to_string(vm.status) + " on the virtual machine");
+}
+
+Comparison compareEngines(const std::string& source) {
+    return {play(Engine::Tree, source), play(Engine::Vm, source)};
+}
+
+Block shrink(Block program) { return Shrinker(std::move(program)).run(); }
+
+}  // namespace pellum::test

@@ -1,0 +1,26 @@
+// Runs a program on both engines and tells whether they agree, once the differences that are meant
+// have been evened out. A program on which they do not agree can be shrunk.
+#pragma once
+
+#include "agreement/program.h"
+#include "support/playing.h"
+
+#include <string>
+
+namespace pellum::test {
+
+struct Comparison {
+    Outcome tree, vm;  // evened out
+
+    bool agrees() const { return tree == vm; }
+    // The first line in which they part.
+    std::string difference() const;
+};
+
+Comparison compareEngines(const std::string& source);
+
+// The program with as many statements left out as can be while the engines still disagree.
+// REQUIRES: they disagree about `program`.
+Block shrink(Block program);
+
+}  // namespace pellum::test
