@@ -33,10 +33,7 @@ TEST_P(FixedSeeds, GiveTheSameOnBothEngines) {
     for (std::uint64_t seed = GetParam(); seed < GetParam() + 50; ++seed) expectAgreement(seed);
 }
 
-// The seeds 251 to 300 are left out: one of them builds a list that shares its parts over and over,
-// and its text takes gigabytes before it is refused.
-INSTANTIATE_TEST_SUITE_P(Agreement, FixedSeeds,
-                         testing::Values<std::uint64_t>(1, 51, 101, 151, 201, 301, 351, 401),
+INSTANTIATE_TEST_SUITE_P(Agreement, FixedSeeds, testing::Range<std::uint64_t>(1, 401, 50),
                          [](const auto& slice) { return "from" + std::to_string(slice.param); });
 
 TEST(Agreement, OfTheSeedsAskedFor) {

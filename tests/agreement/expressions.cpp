@@ -103,7 +103,7 @@ std::string Writer::lambda(const std::vector<Type>& parameters, Type result,
         text += parameter.name;
         scope_.declare(std::move(parameter));
     }
-    text += ") return " + expression(result, demand, depth) + " end";
+    text += ") return " + bounded(result, demand, depth) + " end";
     --insideLambdas_;
     scope_.closeFunction();
     return text;
@@ -360,9 +360,11 @@ std::string Writer::intsExpression(Demand demand, int depth) {
 
 std::string Writer::textsExpression(Demand demand, int depth) {
     const auto of = [&](Type type) { return expression(type, demand, depth); };
+    // No longer than a variable's, or a list of texts made from the last list would grow for ever.
+    const auto text = [&] { return bounded(Type::Text, demand, depth); };
     switch (random_.below(8)) {
-        case 0: return "[" + of(Type::Text) + ", " + of(Type::Text) + "]";
-        case 1: return "split(" + of(Type::Text) + R"(, ","))";
+        case 0: return "[" + text() + ", " + text() + "]";
+        case 1: return "split(" + text() + R"(, ","))";
         case 2: return "keys(" + of(Type::Table) + ")";
         case 3: return "chars(" + of(Type::Text) + ")";
         case 4:
