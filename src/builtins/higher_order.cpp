@@ -8,9 +8,7 @@ namespace pellum::library {
 namespace {
 
 Value callWith(Caller& caller, const Value& function, Value argument) {
-    Arguments one;
-    one.push_back(std::move(argument));
-    return caller.call(function, std::move(one));
+    return caller.call(function, {&argument, 1});
 }
 
 }  // namespace
@@ -35,7 +33,8 @@ Value reduce(Caller& caller, Arguments& args) {
     require(hasInitial || !elements.empty(), "reduce: empty list with no initial value");
     Value accumulator = std::move(hasInitial ? args[2] : elements.front());
     for (std::size_t i = hasInitial ? 0 : 1; i < elements.size(); ++i) {
-        accumulator = caller.call(args[0], pairOf(std::move(accumulator), std::move(elements[i])));
+        Value both[] = {std::move(accumulator), std::move(elements[i])};
+        accumulator = caller.call(args[0], both);
     }
     return accumulator;
 }

@@ -7,6 +7,7 @@
 #include "value/string.h"
 #include "value/value.h"
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -20,9 +21,9 @@ public:
     Caller& operator=(const Caller&) = delete;
     virtual ~Caller() = default;
 
-    // Calls any function of the running engine, or another native, and returns its result. Errors
-    // of the call itself carry no position.
-    virtual Value call(const Value& callee, std::vector<Value> args) = 0;
+    // Calls any function of the running engine, or another native, and returns its result. Takes
+    // the arguments away from where they are. Errors of the call itself carry no position.
+    virtual Value call(const Value& callee, std::span<Value> args) = 0;
 
     Console& console() const noexcept { return console_; }
 

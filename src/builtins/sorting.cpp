@@ -39,7 +39,8 @@ Value sort(Caller& caller, Arguments& args) {
     std::vector<Value> elements = listArg(args[0], "sort: expected a list");
     if (args.size() > 1) {
         mergeSort(elements, [&](const Value& a, const Value& b) {
-            return isTruthy(caller.call(args[1], pairOf(a, b)));
+            Value both[] = {a, b};
+            return isTruthy(caller.call(args[1], both));
         });
     } else {
         sortByNature(elements);

@@ -5,6 +5,8 @@
 #include "operations/operations.h"
 #include "value/map.h"
 
+#include <iterator>
+
 namespace pellum {
 
 Value Interpreter::eval(const Expr& expr, Environment& scope) {
@@ -108,8 +110,10 @@ Value Interpreter::makeFunction(const FunctionLiteral& literal, Environment& sco
     return Value(Ref<CallableObj>(makeRef<FunctionObj>(literal, Ref<Environment>(&scope))));
 }
 
-Value Interpreter::call(const Value& callee, std::vector<Value> args) {
-    return callValue(callee, args, Position{});
+Value Interpreter::call(const Value& callee, std::span<Value> args) {
+    std::vector<Value> owned(std::make_move_iterator(args.begin()),
+                             std::make_move_iterator(args.end()));
+    return callValue(callee, owned, Position{});
 }
 
 Value Interpreter::callValue(const Value& callee, std::vector<Value>& args, Position at) {

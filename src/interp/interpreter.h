@@ -23,7 +23,7 @@ public:
     // RuntimeError and ThrownValue.
     Value run(const Block& program);
 
-    Value call(const Value& callee, std::vector<Value> args) override;
+    Value call(const Value& callee, std::span<Value> args) override;
 
 private:
     // How a statement ended.

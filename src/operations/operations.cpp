@@ -56,19 +56,25 @@ Value floatArithmetic(ArithmeticOp op, double a, double b, Position at) {
     return {};
 }
 
-Value concatenateLists(Value left, const Value& right) {
+void concatenateStrings(Value& left, const Value& right) {
+    auto& head = const_cast<StringObj&>(left.asString());
+    if (head.isUnshared() && head.extend(right.asText())) return;
+    left = Value(StringObj::concatenate(Ref<StringObj>(&head), right.asText()));
+}
+
+void concatenateLists(Value& left, const Value& right) {
     const std::vector<Value>& tail = right.asList().items;
     std::vector<Value>& head = left.asList().items;
     if (head.size() + tail.size() > maxListLength) throw std::length_error("list");
-    if (left.object()->isUnshared()) {
+    if (left.object()->isUnshared() && &head != &tail) {
         head.insert(head.end(), tail.begin(), tail.end());
-        return left;
+        return;
     }
     std::vector<Value> elements;
     elements.reserve(head.size() + tail.size());
     elements.insert(elements.end(), head.begin(), head.end());
     elements.insert(elements.end(), tail.begin(), tail.end());
-    return makeList(std::move(elements));
+    left = makeList(std::move(elements));
 }
 
 template <typename T>
@@ -98,23 +104,23 @@ Value characterAt(const Value& string, const Value& index, Position at) {
 }  // namespace
 
 Value add(Value left, const Value& right, Position at) {
+    addInPlace(left, right, at);
+    return left;
+}
+
+void addInPlace(Value& left, const Value& right, Position at) {
     try {
-        if (left.isString() && right.isString()) {
-            // The string leaves `left` first, so that `concatenate` can tell who else holds it.
-            Ref<StringObj> head(const_cast<StringObj*>(&left.asString()));
-            left = Value();
-            return Value(StringObj::concatenate(std::move(head), right.asText()));
-        }
-        if (left.isList() && right.isList()) return concatenateLists(std::move(left), right);
+        if (left.isString() && right.isString()) return concatenateStrings(left, right);
+        if (left.isList() && right.isList()) return concatenateLists(left, right);
     } catch (const std::length_error&) {
         throw RuntimeError("operator '+': result too large", at);
     } catch (const std::bad_alloc&) {
         throw RuntimeError("operator '+': out of memory", at);
     }
-    if (left.isNumber() && right.isNumber()) {
-        return numberArithmetic(ArithmeticOp::Add, left, right, at);
+    if (!left.isNumber() || !right.isNumber()) {
+        throw RuntimeError("cannot add " + typeNames(left, right), at);
     }
-    throw RuntimeError("cannot add " + typeNames(left, right), at);
+    left = numberArithmetic(ArithmeticOp::Add, left, right, at);
 }
 
 Value numberArithmetic(ArithmeticOp op, const Value& left, const Value& right, Position at) {

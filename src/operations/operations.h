@@ -26,6 +26,9 @@ enum class Comparison : std::uint8_t { Less, LessEqual, Greater, GreaterEqual };
 // string or list that nobody else holds is extended rather than copied.
 Value add(Value left, const Value& right, Position at);
 
+// Makes `left` the sum of itself and `right`, in the same way; after an error it is what it was.
+void addInPlace(Value& left, const Value& right, Position at);
+
 // Any operation on two numbers. REQUIRES: both are numbers.
 Value numberArithmetic(ArithmeticOp op, const Value& left, const Value& right, Position at);
 

@@ -25,6 +25,21 @@ public:
         return const_cast<MapData*>(this)->find(key);
     }
 
+    // The value of the entry at `position` if its key is that very string object, else null: a
+    // cheap first guess for whoever looks up the same constant key again and again.
+    Value* valueAt(std::size_t position, const Object* key) noexcept {
+        if (position >= entries_.size()) return nullptr;
+        Entry& entry = entries_[position];
+        return entry.key.isString() && entry.key.object() == key ? &entry.value : nullptr;
+    }
+
+    // The position of the entry whose value `find` has just yielded.
+    std::size_t positionOf(const Value* found) const noexcept {
+        const auto* start = reinterpret_cast<const char*>(entries_.data());
+        return static_cast<std::size_t>(reinterpret_cast<const char*>(found) - start) /
+               sizeof(Entry);
+    }
+
     // Replaces the value under `key`, keeping the key as first stored, or appends an entry.
     void set(const Value& key, Value&& value);
 

@@ -87,6 +87,18 @@ StringObj::~StringObj() {
     if (!isInline()) buffer_->release();
 }
 
+bool StringObj::canGrowBy(std::size_t count) const noexcept {
+    return !isInline() && buffer_->used() == length_ && buffer_->hasRoomFor(count);
+}
+
+bool StringObj::extend(std::string_view right) noexcept {
+    if (!canGrowBy(right.size()) || right.size() > maxStringLength - length_) return false;
+    buffer_->append(right);
+    length_ += static_cast<std::uint32_t>(right.size());
+    hash_ = 0;
+    return true;
+}
+
 Ref<StringObj> StringObj::concatenate(Ref<StringObj> left, std::string_view right) {
     if (right.empty()) return left;
     const std::size_t leftLength = left->length_;
@@ -100,27 +112,18 @@ Ref<StringObj> StringObj::concatenate(Ref<StringObj> left, std::string_view righ
         std::memcpy(bytes + leftLength, right.data(), right.size());
         return result;
     }
-
-    const bool endsItsBuffer = !left->isInline() && left->buffer_->used() == leftLength;
-    if (endsItsBuffer && left->buffer_->hasRoomFor(right.size())) {
-        StringBuffer* buffer = left->buffer_;
-        if (left->isUnshared()) {
-            buffer->append(right);
-            left->length_ = static_cast<std::uint32_t>(length);
-            left->hash_ = 0;
-            return left;
-        }
-        buffer->retain();
-        Ref<StringObj> result = makeOver(buffer, length);
-        buffer->append(right);
+    if (left->isUnshared() && left->extend(right)) return left;
+    if (left->canGrowBy(right.size())) {
+        left->buffer_->retain();
+        Ref<StringObj> result = makeOver(left->buffer_, length);
+        left->buffer_->append(right);
         return result;
     }
-
     // A left part that has been appended to before will be again: leave room. Any other sum gets
     // what it needs and no more.
-    const std::size_t capacity =
-        endsItsBuffer ? std::min(length + length / 2, std::max(length, maxStringLength)) : length;
-    StringBuffer* buffer = StringBuffer::make(capacity);
+    const bool endsItsBuffer = !left->isInline() && left->buffer_->used() == leftLength;
+    const std::size_t room = endsItsBuffer ? length / 2 : 0;
+    StringBuffer* buffer = StringBuffer::make(std::min(length + room, maxStringLength));
     buffer->append(left->view());
     buffer->append(right);
     return makeOver(buffer, length);

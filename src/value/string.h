@@ -30,6 +30,10 @@ public:
     // left part that can grow, that very object is extended and returned.
     static Ref<StringObj> concatenate(Ref<StringObj> left, std::string_view right);
 
+    // Appends `right` to this very object if it can grow without being moved; false, and nothing
+    // done, if not. REQUIRES: whoever calls holds the only reference.
+    bool extend(std::string_view right) noexcept;
+
     // The shared strings of one byte and of none: these cost no allocation.
     static const Ref<StringObj>& oneByte(unsigned char byte);
     static const Ref<StringObj>& empty();
@@ -44,6 +48,7 @@ private:
     static const Shared& shared();
 
     bool isInline() const noexcept { return bytes_ == inline_; }
+    bool canGrowBy(std::size_t count) const noexcept;
     std::uint64_t computeHash() const noexcept;
     static Ref<StringObj> makeUninitialized(std::size_t length);
     static Ref<StringObj> makeOver(StringBuffer* adopted, std::size_t length);

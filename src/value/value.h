@@ -72,6 +72,10 @@ public:
     ~Value() {
         if (isObject()) payload_.object->release();
     }
+    void swap(Value& other) noexcept {
+        std::swap(kind_, other.kind_);
+        std::swap(payload_, other.payload_);
+    }
 
     ValueKind kind() const noexcept { return kind_; }
     bool isNil() const noexcept { return kind_ == ValueKind::Nil; }

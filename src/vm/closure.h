@@ -22,6 +22,8 @@ struct Upvalue final : Object {
     Value closed;
 };
 
+struct RegisterCode;
+
 struct VMClosure final : CallableObj {
     explicit VMClosure(Ref<FunctionProto> function)
         : CallableObj(ValueKind::Closure), proto(std::move(function)) {
@@ -32,6 +34,7 @@ struct VMClosure final : CallableObj {
 
     Ref<FunctionProto> proto;
     std::vector<Ref<Upvalue>> upvalues;  // one for each descriptor of the prototype
+    RegisterCode* code = nullptr;        // the machine's, once it has run the prototype
 };
 
 }  // namespace pellum

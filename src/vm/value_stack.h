@@ -1,11 +1,12 @@
 // The value stack that all frames of a machine share. Its capacity is fixed and its slots never
 // move, so open upvalues may point at them; memory is touched only as deep as the stack has grown.
-// A slot above the top is nil and never holds a reference.
+// A slot that is not live never holds a reference.
 #pragma once
 
 #include "value/value.h"
 
-#include <memory>
+#include <cstdlib>
+#include <new>
 #include <utility>
 
 namespace pellum {
@@ -14,16 +15,29 @@ class ValueStack {
 public:
     static constexpr std::size_t capacity = 65'536;
 
-    ValueStack();
+    // Zeroed memory, which the system hands out without touching it, is a stack of nils.
+    ValueStack() : slots_(static_cast<Value*>(std::calloc(capacity, sizeof(Value)))), top_(slots_) {
+        if (!slots_) throw std::bad_alloc();
+    }
     ValueStack(const ValueStack&) = delete;
     ValueStack& operator=(const ValueStack&) = delete;
-    ~ValueStack();
+    ~ValueStack() {
+        while (top_ != slots_) drop();
+        std::free(slots_);
+    }
 
     std::size_t size() const noexcept { return static_cast<std::size_t>(top_ - slots_); }
+    Value* slot(std::size_t index) noexcept { return slots_ + index; }
+    Value* begin() noexcept { return slots_; }
+    Value* end() noexcept { return slots_ + capacity; }
+    Value* top() noexcept { return top_; }
+
+    // Tells how deep the stack is, where code that knows has written slots directly.
+    void setTop(Value* top) noexcept { top_ = top; }
 
     // False, and nothing done, when the stack is full.
     [[nodiscard]] bool push(Value value) noexcept {
-        if (top_ == constructedEnd_ && !constructMore()) return false;
+        if (top_ == end()) return false;
         *top_++ = std::move(value);
         return true;
     }
@@ -32,20 +46,16 @@ public:
     Value& peek(std::size_t belowTop = 0) noexcept {
         return top_[-1 - static_cast<std::ptrdiff_t>(belowTop)];
     }
-    Value* top() noexcept { return top_; }
-
-    Value& operator[](std::size_t slot) noexcept { return slots_[slot]; }
-    Value* slot(std::size_t index) noexcept { return slots_ + index; }
 
     // Drops what is above `newSize`, or fills up to it with nils. REQUIRES: newSize <= capacity.
-    void resize(std::size_t newSize) noexcept;
+    void resize(std::size_t newSize) noexcept {
+        while (size() > newSize) drop();
+        while (size() < newSize) *top_++ = Value();
+    }
 
 private:
-    bool constructMore() noexcept;
-
     Value* slots_;
     Value* top_;
-    Value* constructedEnd_;  // the slots from here to the capacity are raw memory
 };
 
 }  // namespace pellum

@@ -2,39 +2,73 @@
 
 #include "builtins/builtins.h"
 #include "value/host_stack.h"
+#include "vm/translator.h"
+
+#include <algorithm>
 
 namespace pellum {
 
-VM::VM(Console& console) : Caller(console) {
-    frames_.reserve(maxFrames);
-    registerBuiltins(*this);
+namespace {
+
+// What a frame returns to that does not return to register code.
+const Instruction* exitInstruction(const void* const* arms) {
+    static const Instruction exit = [&] {
+        Instruction instruction;
+        instruction.op = RegisterOp::EXIT;
+        if (arms) instruction.arm = arms[static_cast<std::size_t>(RegisterOp::EXIT)];
+        return instruction;
+    }();
+    return &exit;
 }
 
-void VM::define(const Symbol& name, Value value) {
-    globals_[name.string().get()] = std::move(value);
+}  // namespace
+
+VM::VM(Console& console, Code preferred)
+    : Caller(console),
+      frames_(std::make_unique_for_overwrite<Frame[]>(maxFrames + 1)),
+      frame_(frames_.get()),
+      lastFrame_(frames_.get() + maxFrames),
+      preferred_(preferred) {
+    *frame_ = Frame{nullptr, nullptr, nullptr, stack_.begin(), true, false};
+    registerBuiltins(globals_);
+}
+
+VM::~VM() {
+    coverTopFrame();
+    while (frameCount() > 0) popFrame();
 }
 
 Value VM::run(const Ref<FunctionProto>& script) {
-    push(Value(Ref<CallableObj>(makeRef<VMClosure>(script))), Position{});
+    auto closure = makeRef<VMClosure>(script);
+    closure->code = &codeOf(script);
+    push(Value(Ref<CallableObj>(std::move(closure))), Position{});
     callValue(0, Position{});
     return runToDepth(0);
 }
 
-Value VM::call(const Value& callee, std::vector<Value> args) {
+Value VM::call(const Value& callee, std::span<Value> args) {
     if (hostStackIsLow()) throw RuntimeError("call stack overflow (too much recursion)");
-    const std::size_t baseDepth = frames_.size();
+    const std::size_t baseDepth = frameCount();
     push(callee, Position{});
     for (Value& arg : args) push(std::move(arg), Position{});
     callValue(args.size(), Position{});
-    if (frames_.size() == baseDepth) return stack_.pop();  // a native, which has run already
+    if (frameCount() == baseDepth) return stack_.pop();  // a native, which has run already
     return runToDepth(baseDepth);
 }
 
 Value VM::runToDepth(std::size_t baseDepth) {
+    frames_[baseDepth].pc = exitInstruction(runRegisterCode(nullptr));
     for (;;) {
         Value caught;
         try {
-            return dispatch(baseDepth);
+            while (frameCount() > baseDepth) {
+                if (frame_->isPlain) {
+                    runStackCode(baseDepth);
+                } else {
+                    runRegisterCode(this);
+                }
+            }
+            return stack_.pop();
         } catch (const ThrownValue& thrown) {
             caught = thrown.value;
             if (!enterHandler(baseDepth, std::move(caught))) throw;
@@ -51,65 +85,133 @@ bool VM::enterHandler(std::size_t baseDepth, Value caught) {
     if (handlers_.empty() || handlers_.back().frameCount <= baseDepth) return false;
     const Handler handler = handlers_.back();
     handlers_.pop_back();
-    frames_.resize(handler.frameCount);
+    coverTopFrame();
+    while (frameCount() > handler.frameCount) popFrame();
     closeUpvalues(stack_.slot(handler.stackSize));
     stack_.resize(handler.stackSize);
     push(std::move(caught));
-    frames_.back().ip = handler.catchIp;
+    if (frame_->isPlain) {
+        frame_->ip = static_cast<const std::uint8_t*>(handler.target);
+    } else {
+        frame_->pc = static_cast<const Instruction*>(handler.target);
+    }
     return true;
+}
+
+// Register code does not keep the stack's top up to date; what it uses ends with its frame.
+void VM::coverTopFrame() noexcept {
+    if (frame_->isPlain) return;
+    stack_.setTop(std::max(stack_.top(), frame_->base + frame_->closure->code->maxDepth));
 }
 
 void VM::callValue(std::size_t argCount, Position at) {
     const Value& callee = stack_.peek(argCount);
     switch (callee.kind()) {
         case ValueKind::Closure:
-            return callClosure(static_cast<const VMClosure&>(callee.asFunction()), argCount, at);
-        case ValueKind::Native: {
-            const auto& native = static_cast<const NativeObj&>(callee.asFunction());
-            // The arguments stay on the stack while the native runs.
-            std::vector<Value> args(stack_.top() - argCount, stack_.top());
-            Value result = callNative(native, *this, args, at);
-            stack_.resize(stack_.size() - argCount);
-            stack_.peek() = std::move(result);
-            return;
-        }
+            return pushFrame(static_cast<VMClosure&>(callee.asFunction()), argCount, at);
+        case ValueKind::Native:
+            return callNativeOnTop(static_cast<const NativeObj&>(callee.asFunction()), argCount,
+                                   at);
         default: throw RuntimeError(std::string(typeName(callee)) + " is not callable", at);
     }
 }
 
-void VM::callClosure(const VMClosure& closure, std::size_t argCount, Position at) {
+void VM::callNativeOnTop(const NativeObj& native, std::size_t argCount, Position at) {
+    // The arguments stay on the stack while the native runs.
+    std::vector<Value> args(stack_.top() - argCount, stack_.top());
+    Value result = callNative(native, *this, args, at);
+    stack_.resize(stack_.size() - argCount);
+    stack_.peek() = std::move(result);
+}
+
+void VM::pushFrame(VMClosure& closure, std::size_t argCount, Position at) {
     const FunctionProto& proto = *closure.proto;
     if (argCount != proto.arity) {
         throw arityError(proto.name, std::to_string(proto.arity), argCount, at);
     }
-    if (frames_.size() == maxFrames) {
+    if (frameCount() == maxFrames) {
         throw RuntimeError("call stack overflow (too much recursion)", at);
     }
-    frames_.push_back({Ref<VMClosure>(const_cast<VMClosure*>(&closure)), proto.code.data(),
-                       stack_.size() - argCount});
+    Value* const base = stack_.top() - argCount;
+    const RegisterCode& code = translatedCode(closure);
+    const bool isExact = needsExactCallee(base - 1);
+    const bool isPlain = isExact || preferred_ == Code::Stack || !code.isUsable ||
+                         stack_.end() - base < static_cast<std::ptrdiff_t>(code.maxDepth);
+    *++frame_ =
+        Frame{&closure,
+              isPlain ? exitInstruction(runRegisterCode(nullptr)) : code.instructions.data(),
+              proto.code.data(),
+              base,
+              isPlain,
+              isExact};
+    if (isPlain) closure.retain();
+}
+
+// Whether what is called now must leave its slots exactly as the stack code would: a handler of the
+// calling frame that has outlived its `try` may find them among its own.
+bool VM::needsExactCallee(const Value* calleeSlot) const noexcept {
+    if (frame_->isExact) return true;
+    if (!frame_->isPlain) return false;
+    const auto position =
+        static_cast<std::size_t>(calleeSlot - const_cast<VM*>(this)->stack_.begin());
+    const std::size_t count = frameCount();
+    for (auto handler = handlers_.rbegin();
+         handler != handlers_.rend() && handler->frameCount == count; ++handler) {
+        if (handler->stackSize > position) return true;
+    }
+    return false;
+}
+
+RegisterCode& VM::codeOf(const Ref<FunctionProto>& proto) {
+    std::unique_ptr<RegisterCode>& code = codes_[proto.get()];
+    if (!code) {
+        code = std::make_unique<RegisterCode>();
+        code->proto = proto;
+        code->functions.resize(proto->functions.size());
+    }
+    return *code;
+}
+
+const RegisterCode& VM::translatedCode(VMClosure& closure) {
+    RegisterCode& code = *closure.code;
+    if (!code.isTranslated && preferred_ == Code::Register) {
+        translate(code, globals_, runRegisterCode(nullptr));
+    }
+    return code;
+}
+
+void VM::popFrame() noexcept {
+    if (frame_->isPlain) frame_->closure->release();
+    --frame_;
+}
+
+void VM::dropHandlersAbove(std::size_t count) noexcept {
+    while (!handlers_.empty() && handlers_.back().frameCount > count) handlers_.pop_back();
 }
 
 // Removes the top frame and its part of the stack, and leaves its result there instead.
-void VM::leaveFrame() {
+void VM::leavePlainFrame() {
     Value result = stack_.pop();
-    const std::size_t base = frames_.back().base;
-    closeUpvalues(stack_.slot(base));
-    frames_.pop_back();
-    while (!handlers_.empty() && handlers_.back().frameCount > frames_.size()) handlers_.pop_back();
-    stack_.resize(base);
+    Value* const base = frame_->base;
+    closeUpvalues(base);
+    popFrame();
+    dropHandlersAbove(frameCount());
+    stack_.resize(static_cast<std::size_t>(base - stack_.begin()));
     stack_.peek() = std::move(result);  // in place of the callee
 }
 
-void VM::makeClosure(std::size_t functionIndex) {
-    const Frame& frame = frames_.back();
-    const auto closure = makeRef<VMClosure>(frame.closure->proto->functions[functionIndex]);
+Value VM::makeClosure(std::size_t functionIndex) {
+    const VMClosure& outer = *frame_->closure;
+    RegisterCode*& code = outer.code->functions[functionIndex];
+    if (!code) code = &codeOf(outer.proto->functions[functionIndex]);
+    auto closure = makeRef<VMClosure>(code->proto);
+    closure->code = code;
     for (const UpvalueDescriptor& descriptor : closure->proto->upvalues) {
         const auto index = static_cast<std::size_t>(descriptor.index);
-        closure->upvalues.push_back(descriptor.isLocal
-                                        ? captureSlot(stack_.slot(frame.base + index))
-                                        : frame.closure->upvalues[index]);
+        closure->upvalues.push_back(descriptor.isLocal ? captureSlot(frame_->base + index)
+                                                       : outer.upvalues[index]);
     }
-    push(Value(Ref<CallableObj>(closure)));
+    return Value(Ref<CallableObj>(std::move(closure)));
 }
 
 Ref<Upvalue> VM::captureSlot(Value* slot) {
@@ -131,10 +233,24 @@ void VM::push(Value value, Position at) {
 }
 
 Position VM::position() const noexcept {
-    const FunctionProto& proto = *frames_.back().closure->proto;
-    return {proto.lines[static_cast<std::size_t>(frames_.back().ip - proto.code.data())], 0};
+    const FunctionProto& proto = *frame_->closure->proto;
+    if (frame_->isPlain) {
+        return {proto.lines[static_cast<std::size_t>(frame_->ip - proto.code.data())], 0};
+    }
+    const RegisterCode& code = *frame_->closure->code;
+    const auto index = static_cast<std::size_t>(frame_->pc - code.instructions.data());
+    return {proto.lines[code.codeOffsets[index]], 0};
 }
 
 void VM::fail(std::string message) const { throw RuntimeError(std::move(message), position()); }
+
+void VM::failUndefined(const GlobalCell& cell) {
+    fail("undefined variable '" + std::string(cell.name->view()) + "'");
+}
+
+void VM::failAssignUndefined(const GlobalCell& cell) {
+    fail("cannot assign to undefined variable '" + std::string(cell.name->view()) +
+         "' (use 'let' to declare it)");
+}
 
 }  // namespace pellum

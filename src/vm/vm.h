@@ -1,12 +1,19 @@
 // The virtual machine: runs compiled functions on one value stack that all calls share. It is the
 // default engine, and must agree with the tree-walker in everything but a few listed differences.
+//
+// A prototype is translated to register code when it is first run. What the translation does not
+// cover (see `StackMachine` in the list below) runs on the plain stack machine, on the same stack,
+// frames and handlers; a machine can also be told to run everything there.
 #pragma once
 
 #include "builtins/native.h"
 #include "operations/operations.h"
 #include "vm/closure.h"
+#include "vm/globals.h"
+#include "vm/register_code.h"
 #include "vm/value_stack.h"
 
+#include <memory>
 #include <unordered_map>
 
 namespace pellum {
@@ -16,71 +23,116 @@ public:
     // Calls nested deeper than this, the script's own included, are an error of the program.
     static constexpr std::size_t maxFrames = 4'096;
 
+    enum class Code { Register, Stack };
+
     // Reserves the stacks and installs the builtins. REQUIRES: the console outlives this.
-    explicit VM(Console& console);
+    explicit VM(Console& console, Code preferred = Code::Register);
+    ~VM() override;
 
     // Runs a script's prototype to its end and returns the value of its final return. Throws
     // RuntimeError and ThrownValue; after that, the machine is of no more use.
     Value run(const Ref<FunctionProto>& script);
 
-    Value call(const Value& callee, std::vector<Value> args) override;
+    Value call(const Value& callee, std::span<Value> args) override;
 
-    // Binds a global, for the registration of builtins.
-    void define(const Symbol& name, Value value);
+    // Binds a global, for what is installed beside the builtins.
+    void define(const Symbol& name, Value value) { globals_.define(name, std::move(value)); }
 
 private:
     struct Frame {
-        Ref<VMClosure> closure;
-        const std::uint8_t* ip;  // the instruction being executed, for the lines of errors
-        std::size_t base;        // the stack position of slot 0; the callee is just below
+        VMClosure* closure;  // kept alive by the callee's slot, or by the frame where it is plain
+        const Instruction* pc;   // register code: the instruction being executed, or to return to
+        const std::uint8_t* ip;  // stack code: likewise
+        Value* base;             // slot 0; the callee is just below
+        bool isPlain;            // runs stack code
+        bool isExact;            // and so does whatever it calls
     };
 
     // A `try` that has been entered: what to return to when something is thrown.
     struct Handler {
         std::size_t frameCount;
         std::size_t stackSize;
-        const std::uint8_t* catchIp;
+        const void* target;  // an instruction of register code or a byte of stack code
     };
 
-    // The dispatch loop, until a return brings the number of frames down to `baseDepth`; what is
-    // thrown meanwhile goes to the script's handlers above that depth first.
+    std::size_t frameCount() const noexcept {
+        return static_cast<std::size_t>(frame_ - frames_.get());
+    }
+
+    // Runs the frames above `baseDepth` until the last of them returns; what is thrown meanwhile
+    // goes to the script's handlers above that depth first.
     Value runToDepth(std::size_t baseDepth);
-    Value dispatch(std::size_t baseDepth);
-    // Returns control to the innermost handler above `baseDepth`; false when there is none.
     bool enterHandler(std::size_t baseDepth, Value caught);
+    void coverTopFrame() noexcept;
 
-    // Calls what lies `argCount` below the top: pushes a frame, or runs a native to its end.
+    // Both run the top frame until a frame of the other kind is on top, or `baseDepth` is reached.
+    // Called without a machine, `runRegisterCode` yields the addresses of its arms.
+    static const void* const* runRegisterCode(VM* vm);
+    void runStackCode(std::size_t baseDepth);
+
+    // Calls what lies `argCount` below the top of the stack: pushes a frame, or runs a native.
     void callValue(std::size_t argCount, Position at);
-    void callClosure(const VMClosure& closure, std::size_t argCount, Position at);
-    void leaveFrame();
+    void pushFrame(VMClosure& closure, std::size_t argCount, Position at);
+    void callNativeOnTop(const NativeObj& native, std::size_t argCount, Position at);
+    bool needsExactCallee(const Value* calleeSlot) const noexcept;
+    RegisterCode& codeOf(const Ref<FunctionProto>& proto);
+    const RegisterCode& translatedCode(VMClosure& closure);
+    void leavePlainFrame();
+    void popFrame() noexcept;
+    void dropHandlersAbove(std::size_t count) noexcept;
 
-    void makeClosure(std::size_t functionIndex);
+    // Register code: a call that is not simply that of a closure with register code. True when the
+    // top frame has changed.
+    bool callSlowly(Value* callee, std::size_t argCount);
+    void binarySlowly(ArithmeticOp op, Value& to, Value& left, Value& right, std::uint32_t ends);
+    bool compareSlowly(Comparison comparison, Value& left, Value& right, std::uint32_t ends);
+    bool equalSlowly(Value& left, Value& right, std::uint32_t ends);
+    void indexSlowly(Value& to, Value& object, Value& index, std::uint32_t ends);
+    void setIndexSlowly(Value& object, Value& index, Value& value, std::uint32_t ends);
+    void field(Instruction& at, Value& to, Value& object);
+    void setField(Instruction& at, Value& object, Value& value);
+    void negateSlowly(Value& to, Value& operand, std::uint32_t ends);
+    void buildList(Value& to, Value* first, std::size_t count);
+    void buildMap(Value& to, Value* first, std::size_t valueCount);
+    void iterList(Value& to, Value& iterable, std::uint32_t ends);
+    void lengthSlowly(Value& to, Value& value, std::uint32_t ends);
+    void advanceSlowly(Value& counter, const Value& step);
+    void leaveScopes(const Value* base, std::int32_t what) noexcept;
+    bool forTestSlowly(const Value& counter, const Value& limit, const Value& step);
+    Value lengthOf(const Value& value);
+
+    Value makeClosure(std::size_t functionIndex);
     Ref<Upvalue> captureSlot(Value* slot);
     void closeUpvalues(const Value* from) noexcept;
 
-    void push(Value value) { push(std::move(value), position()); }
+    void push(Value value) {
+        if (!stack_.push(std::move(value))) fail("stack overflow");
+    }
     void push(Value value, Position at);
 
-    // Instructions that are more than a line or two.
-    void defineGlobal(const Value& name);
-    void getGlobal(const Value& name);
-    void setGlobal(const Value& name);
-    void buildList(std::size_t count);
-    void buildMap(std::size_t pairCount);
+    // Instructions of the stack code that are more than a line or two.
+    GlobalCell& cellOf(const Value& name) { return globals_.cell(name.asString()); }
+    [[noreturn]] void failUndefined(const GlobalCell& cell);
+    [[noreturn]] void failAssignUndefined(const GlobalCell& cell);
+    Value mapOf(const Value* first, std::size_t valueCount);
     void arithmetic(ArithmeticOp op);
     void comparison(Comparison comparison);
-    void length();
-    bool forTest();
 
     // The place of the current instruction: its line, without a column.
     Position position() const noexcept;
     [[noreturn]] void fail(std::string message) const;
 
     ValueStack stack_;
-    std::vector<Frame> frames_;
-    std::vector<Ref<Upvalue>> openUpvalues_;               // by ascending slot
-    std::vector<Handler> handlers_;                        // innermost last
-    std::unordered_map<const StringObj*, Value> globals_;  // by interned name
+    std::unique_ptr<Frame[]>
+        frames_;        // the first is nobody's, so that even the script has a caller
+    Frame* frame_;      // the top one
+    Frame* lastFrame_;  // the last that there is room for
+    std::vector<Ref<Upvalue>> openUpvalues_;  // by ascending slot
+    std::vector<Handler> handlers_;           // innermost last
+    Globals globals_;
+    Code preferred_;
+    std::unordered_map<const FunctionProto*, std::unique_ptr<RegisterCode>> codes_;
+    std::vector<std::vector<Value>> argumentPool_;  // vectors that native calls have given back
 };
 
 }  // namespace pellum

@@ -1,9 +1,15 @@
 #include "agreement/comparison.h"
 
+#include "compiler/compiler.h"
+#include "lexer/lexer.h"
+#include "parser/parser.h"
 #include "support/text.h"
+#include "value/format.h"
+#include "vm/vm.h"
 
 #include <algorithm>
 #include <regex>
+#include <sstream>
 
 namespace pellum::test {
 
@@ -26,11 +32,36 @@ std::string withoutColumns(const std::string& errors) {
     return std::regex_replace(std::regex_replace(errors, column, "$1\n"), caret, "\n");
 }
 
-Outcome play(Engine engine, const std::string& source) {
-    Outcome outcome = playInProcess(onEngine(engine, {"-c", source}), "a line of input\n");
+Outcome evened(Outcome outcome) {
     outcome.output = evenMessages(outcome.output);
     outcome.errors = withoutColumns(evenMessages(outcome.errors));
     return outcome;
+}
+
+constexpr const char* input = "a line of input\n";
+
+Outcome play(Engine engine, const std::string& source) {
+    return evened(playInProcess(onEngine(engine, {"-c", source}), input));
+}
+
+// The same as a snippet on the virtual machine, but never translated to register code.
+Outcome playStackCode(const std::string& source) {
+    std::istringstream in(input);
+    std::ostringstream out;
+    std::ostringstream err;
+    Outcome outcome{1, {}, {}};
+    Console console(in, out);
+    try {
+        VM(console, VM::Code::Stack).run(compile(parse(tokenize(source))));
+        outcome.status = 0;
+    } catch (const PellumError& error) {
+        err << renderError(error, source, "<-c>") << "\n";
+    } catch (const ThrownValue& thrown) {
+        err << "Error: " << toDisplayString(thrown.value) << "\n";
+    }
+    outcome.output = out.str();
+    outcome.errors = err.str();
+    return evened(outcome);
 }
 
 // A program that lost a declaration or a loop may differ for another reason than the one sought.
@@ -113,6 +144,12 @@ private:
 }  // namespace
 
 std::string Comparison::difference() const {
+    if (!(stackCode == vm)) {
+        const auto line =
+            firstDifference("the virtual machine's output beside its stack code's",
+                            stackCode.output + stackCode.errors, vm.output + vm.errors);
+        if (line) return *line;
+    }
     const auto line = firstDifference("the virtual machine's output beside the tree-walker's",
                                       tree.output + tree.errors, vm.output + vm.errors);
     return line.value_or("exit status " + std::to_string(tree.status) + " on the tree-walker, " +
@@ -120,7 +157,7 @@ std::string Comparison::difference() const {
 }
 
 Comparison compareEngines(const std::string& source) {
-    return {play(Engine::Tree, source), play(Engine::Vm, source)};
+    return {play(Engine::Tree, source), play(Engine::Vm, source), playStackCode(source)};
 }
 
 Block shrink(Block program) { return Shrinker(std::move(program)).run(); }

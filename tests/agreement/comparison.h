@@ -1,5 +1,5 @@
-// Runs a program on both engines and tells whether they agree, once the differences that are meant
-// have been evened out. A program on which they do not agree can be shrunk.
+// Runs a program on the tree-walker, on the virtual machine, and on the virtual machine's plain
+// stack code, and tells whether all agree, once the differences that are meant have been evened out. A program on which they do not agree can be shrunk.
 #pragma once
 
 #include "agreement/program.h"
@@ -10,9 +10,9 @@
 namespace pellum::test {
 
 struct Comparison {
-    Outcome tree, vm;  // evened out
+    Outcome tree, vm, stackCode;  // evened out
 
-    bool agrees() const { return tree == vm; }
+    bool agrees() const { return tree == vm && stackCode == vm; }
     // The first line in which they part.
     std::string difference() const;
 };

@@ -278,7 +278,7 @@ TEST(Console, PrintDoesNotTurnAFailingDeviceIntoAnErrorOfTheProgram) {
     class Engine : public Caller {
     public:
         using Caller::Caller;
-        Value call(const Value&, std::vector<Value>) override { return Value(); }
+        Value call(const Value&, std::span<Value>) override { return Value(); }
     };
     std::istringstream in;
     ShortDevice device(2);

@@ -27,9 +27,10 @@ public:
     explicit FakeCaller(Answer answer = {})
         : Caller(static_cast<detail::StringConsole&>(*this).console), answer_(std::move(answer)) {}
 
-    Value call(const Value&, std::vector<Value> args) override {
+    Value call(const Value&, std::span<Value> args) override {
         ++calls_;
-        return answer_(args);
+        std::vector<Value> given(args.begin(), args.end());
+        return answer_(given);
     }
 
     // Calls the builtin of that name as an engine would, at line 7, column 3.

@@ -25,7 +25,7 @@ public:
         return ending([&] { return interpreter_.run(programs_.emplace_back(std::move(program))); });
     }
     std::string call(const Value& callee, std::vector<Value> args) {
-        return ending([&] { return interpreter_.call(callee, std::move(args)); });
+        return ending([&] { return interpreter_.call(callee, args); });
     }
     std::string printed() const { return memory_.out.str(); }
 

@@ -7,6 +7,7 @@
 namespace pellum {
 namespace {
 
+using test::callWith;
 using test::compileText;
 using test::compiling;
 using test::ending;
@@ -379,7 +380,7 @@ TEST(Limits, FramesOfACallFromOutside) {
         MemoryConsole memory;
         VM vm(memory.console);
         const Value f = vm.run(compileText(descending));
-        return ending([&] { return vm.call(f, {Value(depth)}); });
+        return ending([&] { return callWith(vm, f, {Value(depth)}); });
     };
     // No script is running, and the outer function takes a frame.
     EXPECT_EQ(call(4'095), "4095");

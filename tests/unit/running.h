@@ -20,6 +20,11 @@ inline Ref<FunctionProto> compileText(std::string_view source) {
     return compile(parseText(source));
 }
 
+// A call from outside, with arguments made for it.
+inline Value callWith(Caller& caller, const Value& callee, std::vector<Value> args) {
+    return caller.call(callee, args);
+}
+
 // A console in memory.
 struct MemoryConsole {
     std::istringstream in;

@@ -7,6 +7,7 @@
 namespace pellum {
 namespace {
 
+using test::callWith;
 using test::compileText;
 using test::ending;
 using test::errorOf;
@@ -270,10 +271,10 @@ TEST(Vm, IsCalledFromOutside) {
                            "return function(a, b)\n"
                            "    return k * a / b\n"
                            "end"));
-    EXPECT_EQ(ending([&] { return vm.call(f, {Value(3), Value(4)}); }), "7.5");
-    EXPECT_EQ(ending([&] { return vm.call(f, {Value(3)}); }),
+    EXPECT_EQ(ending([&] { return callWith(vm, f, {Value(3), Value(4)}); }), "7.5");
+    EXPECT_EQ(ending([&] { return callWith(vm, f, {Value(3)}); }),
               "runtime error 0:0: <anonymous>() expects 2 argument(s), got 1");
-    EXPECT_EQ(ending([&] { return vm.call(Value("text"), {}); }),
+    EXPECT_EQ(ending([&] { return callWith(vm, Value("text"), {}); }),
               "runtime error 0:0: string is not callable");
 }
 
@@ -282,12 +283,12 @@ TEST(Vm, CallsNativesFromOutside) {
     VM vm(memory.console);
     const Value length = vm.run(compileText("return len"));
     const Value map = vm.run(compileText("return map"));
-    EXPECT_EQ(ending([&] { return vm.call(length, {Value("abc")}); }), "3");
+    EXPECT_EQ(ending([&] { return callWith(vm, length, {Value("abc")}); }), "3");
     EXPECT_EQ(ending([&] {
-                  return vm.call(map, {length, makeList({Value("a"), Value("")})});
+                  return callWith(vm, map, {length, makeList({Value("a"), Value("")})});
               }),
               "[1, 0]");
-    EXPECT_EQ(ending([&] { return vm.call(length, {}); }),
+    EXPECT_EQ(ending([&] { return callWith(vm, length, {}); }),
               "runtime error 0:0: len() expects 1 argument(s), got 0");
 }
 
@@ -297,7 +298,7 @@ TEST(Vm, ErrorsReachTheCallerFromOutside) {
     {
         VM vm(memory.console);
         const Value f = vm.run(script);
-        EXPECT_EQ(ending([&] { return vm.call(f, {Value(0)}); }),
+        EXPECT_EQ(ending([&] { return callWith(vm, f, {Value(0)}); }),
                   "runtime error 2:0: division by zero");
     }
     VM vm(memory.console);
@@ -311,7 +312,7 @@ TEST(Vm, DoesNotCallFunctionsOfTheTreeWalker) {
     Interpreter interpreter(memory.console);
     const Value foreign = interpreter.run(program);
     VM vm(memory.console);
-    EXPECT_EQ(ending([&] { return vm.call(foreign, {}); }),
+    EXPECT_EQ(ending([&] { return callWith(vm, foreign, {}); }),
               "runtime error 0:0: function is not callable");
     vm.define(Symbol("foreign"), foreign);
     EXPECT_EQ(ending([&] { return vm.run(compileText("return type(foreign)")); }), "\"function\"");

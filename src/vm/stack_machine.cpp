@@ -1,14 +1,14 @@
-// The engine room: one switch over the opcode byte, its arms in the order of the opcode list.
+// The plain machine: one switch over the opcode byte, its arms in the order of the opcode list. It
+// is the yardstick for register code, and runs what that does not cover.
 
 #include "vm/vm.h"
 
 #include "value/map.h"
-#include "value/number.h"
 
 namespace pellum {
 
-Value VM::dispatch(std::size_t baseDepth) {
-    Frame* frame = &frames_.back();
+void VM::runStackCode(std::size_t baseDepth) {
+    Frame* frame = frame_;
     const std::uint8_t* ip = frame->ip;
     const auto readU8 = [&] { return *ip++; };
     const auto nextU16 = [&] {
@@ -17,11 +17,6 @@ Value VM::dispatch(std::size_t baseDepth) {
     };
     const auto readConstant = [&]() -> const Value& {
         return frame->closure->proto->constants[nextU16()];
-    };
-    // After a call or return another frame may be on top.
-    const auto reloadFrame = [&] {
-        frame = &frames_.back();
-        ip = frame->ip;
     };
 
     for (;;) {
@@ -32,11 +27,26 @@ Value VM::dispatch(std::size_t baseDepth) {
             case OpCode::TRUE: push(Value(true)); break;
             case OpCode::FALSE: push(Value(false)); break;
             case OpCode::POP: stack_.drop(); break;
-            case OpCode::DEFINE_GLOBAL: defineGlobal(readConstant()); break;
-            case OpCode::GET_GLOBAL: getGlobal(readConstant()); break;
-            case OpCode::SET_GLOBAL: setGlobal(readConstant()); break;
-            case OpCode::GET_LOCAL: push(stack_[frame->base + nextU16()]); break;
-            case OpCode::SET_LOCAL: stack_[frame->base + nextU16()] = stack_.peek(); break;
+            case OpCode::DEFINE_GLOBAL: {
+                GlobalCell& cell = cellOf(readConstant());
+                cell.value = stack_.pop();
+                cell.isDefined = true;
+                break;
+            }
+            case OpCode::GET_GLOBAL: {
+                const GlobalCell& cell = cellOf(readConstant());
+                if (!cell.isDefined) failUndefined(cell);
+                push(cell.value);
+                break;
+            }
+            case OpCode::SET_GLOBAL: {
+                GlobalCell& cell = cellOf(readConstant());
+                if (!cell.isDefined) failAssignUndefined(cell);
+                cell.value = stack_.peek();
+                break;
+            }
+            case OpCode::GET_LOCAL: push(frame->base[nextU16()]); break;
+            case OpCode::SET_LOCAL: frame->base[nextU16()] = stack_.peek(); break;
             case OpCode::GET_UPVALUE: push(*frame->closure->upvalues[readU8()]->location); break;
             case OpCode::SET_UPVALUE:
                 *frame->closure->upvalues[readU8()]->location = stack_.peek();
@@ -45,8 +55,21 @@ Value VM::dispatch(std::size_t baseDepth) {
                 closeUpvalues(&stack_.peek());
                 stack_.drop();
                 break;
-            case OpCode::BUILD_LIST: buildList(nextU16()); break;
-            case OpCode::BUILD_MAP: buildMap(nextU16()); break;
+            case OpCode::BUILD_LIST: {
+                const std::size_t count = nextU16();
+                Value* const first = stack_.top() - count;
+                Value list = makeList({first, stack_.top()});
+                stack_.resize(stack_.size() - count);
+                push(std::move(list));
+                break;
+            }
+            case OpCode::BUILD_MAP: {
+                const std::size_t count = 2 * std::size_t{nextU16()};
+                Value map = mapOf(stack_.top() - count, count);
+                stack_.resize(stack_.size() - count);
+                push(std::move(map));
+                break;
+            }
             case OpCode::INDEX_GET: {
                 const Value index = stack_.pop();
                 const Value object = stack_.pop();
@@ -113,77 +136,58 @@ Value VM::dispatch(std::size_t baseDepth) {
             }
             case OpCode::CALL: {
                 const std::size_t argCount = readU8();
-                const std::size_t depth = frames_.size();
                 callValue(argCount, position());
-                if (frames_.size() > depth) {
-                    frame->ip = ip;  // where the callee returns to
-                    reloadFrame();
+                frame->ip = ip;  // where the callee returns to
+                if (frame_ != frame) {
+                    if (!frame_->isPlain) return;
+                    frame = frame_;
+                    ip = frame->ip;
                 }
                 break;
             }
-            case OpCode::CLOSURE: makeClosure(nextU16()); break;
+            case OpCode::CLOSURE: push(makeClosure(nextU16())); break;
             case OpCode::RETURN:
-                leaveFrame();
-                if (frames_.size() == baseDepth) return stack_.pop();
-                reloadFrame();
+                leavePlainFrame();
+                if (frameCount() == baseDepth || !frame_->isPlain) return;
+                frame = frame_;
+                ip = frame->ip;
                 break;
             case OpCode::ITER_LIST: {
                 const Value iterable = stack_.pop();
                 push(makeList(elementsToVisit(iterable, position())));
                 break;
             }
-            case OpCode::LEN: length(); break;
-            case OpCode::FOR_TEST: push(Value(forTest())); break;
-            case OpCode::TRY_BEGIN: {
-                const std::size_t offset = nextU16();
-                handlers_.push_back({frames_.size(), stack_.size(), ip + offset});
+            case OpCode::LEN: {
+                const Value value = stack_.pop();
+                push(lengthOf(value));
                 break;
             }
-            case OpCode::TRY_END: handlers_.pop_back(); break;
-            case OpCode::HALT: return {};
+            case OpCode::FOR_TEST: {
+                const Value step = stack_.pop();
+                const Value limit = stack_.pop();
+                const Value counter = stack_.pop();
+                push(Value(forTestSlowly(counter, limit, step)));
+                break;
+            }
+            case OpCode::TRY_BEGIN: {
+                const std::size_t offset = nextU16();
+                handlers_.push_back({frameCount(), stack_.size(), ip + offset});
+                break;
+            }
+            case OpCode::TRY_END:
+                if (!handlers_.empty()) handlers_.pop_back();
+                break;
+            case OpCode::HALT:
+                // The run ends here with nil, whatever is still on the stack.
+                while (frameCount() > baseDepth) popFrame();
+                push(Value());
+                return;
         }
     }
-}
-
-void VM::defineGlobal(const Value& name) { globals_[&name.asString()] = stack_.pop(); }
-
-void VM::getGlobal(const Value& name) {
-    const auto found = globals_.find(&name.asString());
-    if (found == globals_.end()) fail("undefined variable '" + std::string(name.asText()) + "'");
-    push(found->second);
-}
-
-void VM::setGlobal(const Value& name) {
-    const auto found = globals_.find(&name.asString());
-    if (found == globals_.end()) {
-        fail("cannot assign to undefined variable '" + std::string(name.asText()) +
-             "' (use 'let' to declare it)");
-    }
-    found->second = stack_.peek();
-}
-
-void VM::buildList(std::size_t count) {
-    Value* const first = stack_.top() - count;
-    Value list = makeList({first, stack_.top()});
-    stack_.resize(stack_.size() - count);
-    push(std::move(list));
-}
-
-void VM::buildMap(std::size_t pairCount) {
-    auto map = makeRef<MapData>();
-    const Value* const first = stack_.top() - 2 * pairCount;
-    for (const Value* key = first; key != stack_.top(); key += 2) {
-        if (!key->isString() && !key->isNumber()) {
-            fail(std::string("map keys must be string or number, got ") + typeName(*key));
-        }
-        map->set(*key, Value(key[1]));
-    }
-    stack_.resize(stack_.size() - 2 * pairCount);
-    push(Value(std::move(map)));
 }
 
 void VM::arithmetic(ArithmeticOp op) {
-    Value right = stack_.pop();
+    const Value right = stack_.pop();
     Value left = stack_.pop();
     if (op == ArithmeticOp::Add) return push(add(std::move(left), right, position()));
     if (!left.isNumber() || !right.isNumber()) {
@@ -197,28 +201,6 @@ void VM::comparison(Comparison comparison) {
     const Value right = stack_.pop();
     const Value left = stack_.pop();
     push(Value(compare(comparison, left, right, position())));
-}
-
-void VM::length() {
-    const Value value = stack_.pop();
-    switch (value.kind()) {
-        case ValueKind::String: return push(Value(value.asText().size()));
-        case ValueKind::List: return push(Value(listLength(value.asList())));
-        case ValueKind::Map: return push(Value(mapSize(value.asMap())));
-        default: fail(std::string("cannot take length of ") + typeName(value));
-    }
-}
-
-// Whether a numeric loop goes on. A step of zero or NaN counts as upward.
-bool VM::forTest() {
-    const Value step = stack_.pop();
-    const Value limit = stack_.pop();
-    const Value counter = stack_.pop();
-    if (!counter.isNumber() || !limit.isNumber() || !step.isNumber()) {
-        fail("numeric for-loop needs numbers");
-    }
-    return step.asNumber() < 0 ? counter.asNumber() >= limit.asNumber()
-                               : counter.asNumber() <= limit.asNumber();
 }
 
 }  // namespace pellum

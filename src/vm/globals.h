@@ -1,0 +1,39 @@
+// The global variables of a machine. Each name has one cell that never moves, so that code may
+// point at it; a name that code mentions has a cell even before it is defined.
+#pragma once
+
+#include "value/string.h"
+#include "value/value.h"
+
+#include <deque>
+#include <unordered_map>
+
+namespace pellum {
+
+struct GlobalCell {
+    Value value;
+    bool isDefined = false;
+    const StringObj* name;
+};
+
+class Globals {
+public:
+    // REQUIRES: the name is interned.
+    GlobalCell& cell(const StringObj& name) {
+        const auto [found, isNew] = byName_.try_emplace(&name, nullptr);
+        if (isNew) found->second = &cells_.emplace_back(GlobalCell{{}, false, &name});
+        return *found->second;
+    }
+
+    void define(const Symbol& name, Value value) {
+        GlobalCell& defined = cell(*name.string());
+        defined.value = std::move(value);
+        defined.isDefined = true;
+    }
+
+private:
+    std::deque<GlobalCell> cells_;
+    std::unordered_map<const StringObj*, GlobalCell*> byName_;
+};
+
+}  // namespace pellum
