@@ -169,7 +169,7 @@ void Compiler::assignElement(const AssignStmt& stmt) {
 }
 
 void Compiler::compoundOperator(const AssignStmt& stmt) {
-    if (stmt.code > BinaryOp::Power) failCompile(stmt, "bad operator " + stmt.op);
+    if (stmt.code > BinaryOp::Power) failCompile(stmt, "bad operator " + std::string(stmt.op));
     code().emit(instructionFor(stmt.code), stmt);
 }
 
@@ -399,7 +399,8 @@ void Compiler::binary(const BinaryExpr& expr) {
     if (expr.code == BinaryOp::Or) return shortCircuit(expr, OpCode::JUMP_IF_TRUE);
     expression(*expr.left);
     expression(*expr.right);
-    if (expr.code == BinaryOp::Unknown) failCompile(expr, "unknown operator " + expr.op);
+    if (expr.code == BinaryOp::Unknown)
+        failCompile(expr, "unknown operator " + std::string(expr.op));
     code().emit(instructionFor(expr.code), expr);
 }
 

@@ -49,9 +49,9 @@ ExitStatus dumpTokens(const std::string& path, Engine, Session& session) {
     if (!source) return exitFailure;
     try {
         for (const Token& token : tokenize(*source)) {
-            session.console.write(std::string(tokenKindName(token.kind)) + " '" + token.text +
-                                  "' @" + std::to_string(token.line) + ":" +
-                                  std::to_string(token.column) + "\n");
+            session.console.write(std::string(tokenKindName(token.kind)) + " '" +
+                                  std::string(token.text) + "' @" + std::to_string(token.line) +
+                                  ":" + std::to_string(token.column) + "\n");
         }
         return exitSuccess;
     } catch (const PellumError& error) {

@@ -75,15 +75,15 @@ Value Interpreter::evalBinary(const BinaryExpr& expr, Environment& scope) {
     }
 }
 
-Value Interpreter::arithmetic(BinaryOp code, const std::string& op, Value left, const Value& right,
+Value Interpreter::arithmetic(BinaryOp code, std::string_view op, Value left, const Value& right,
                               Position at) {
     static_assert(static_cast<int>(BinaryOp::Power) == static_cast<int>(ArithmeticOp::Power));
     if (code == BinaryOp::Add) return add(std::move(left), right, at);
     if (!left.isNumber() || !right.isNumber()) {
-        fail(at, "operator '" + op + "' needs numbers, got " + typeName(left) + " and " +
-                     typeName(right));
+        fail(at, "operator '" + std::string(op) + "' needs numbers, got " + typeName(left) +
+                     " and " + typeName(right));
     }
-    if (code > BinaryOp::Power) fail(at, "unknown operator " + op);
+    if (code > BinaryOp::Power) fail(at, "unknown operator " + std::string(op));
     return numberArithmetic(static_cast<ArithmeticOp>(code), left, right, at);
 }
 

@@ -63,7 +63,7 @@ private:
     Value evalCall(const CallExpr& expr, Environment& scope);
     Value evalIndex(const IndexExpr& expr, Environment& scope);
     Value evalGet(const GetExpr& expr, Environment& scope);
-    Value arithmetic(BinaryOp code, const std::string& op, Value left, const Value& right,
+    Value arithmetic(BinaryOp code, std::string_view op, Value left, const Value& right,
                      Position at);
     Value makeFunction(const FunctionLiteral& literal, Environment& scope);
     Value callValue(const Value& callee, std::vector<Value>& args, Position at);

@@ -4,8 +4,8 @@
 #include "value/parse_number.h"
 
 #include <algorithm>
+#include <array>
 #include <stdexcept>
-#include <unordered_map>
 
 namespace pellum {
 
@@ -13,33 +13,58 @@ namespace {
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
-bool isDigit(char byte) noexcept { return byte >= '0' && byte <= '9'; }
+// What a byte can be part of.
+enum ByteClass : std::uint8_t { digitByte = 1, nameByte = 2, blankByte = 4 };
 
-bool isLetter(char byte) noexcept {
-    return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z');
+constexpr auto byteClasses = [] {
+    std::array<std::uint8_t, 256> classes{};
+    for (int byte = '0'; byte <= '9'; ++byte) classes[byte] = digitByte | nameByte;
+    for (int byte = 'a'; byte <= 'z'; ++byte) classes[byte] = nameByte;
+    for (int byte = 'A'; byte <= 'Z'; ++byte) classes[byte] = nameByte;
+    classes['_'] = nameByte;
+    classes[' '] = classes['\t'] = classes['\r'] = blankByte;
+    return classes;
+}();
+
+bool is(ByteClass wanted, char byte) noexcept {
+    return (byteClasses[static_cast<unsigned char>(byte)] & wanted) != 0;
 }
+bool isDigit(char byte) noexcept { return is(digitByte, byte); }
+bool continuesName(char byte) noexcept { return is(nameByte, byte); }
 
-bool startsName(char byte) noexcept { return isLetter(byte) || byte == '_'; }
-bool continuesName(char byte) noexcept { return startsName(byte) || isDigit(byte); }
-
-bool isKeyword(TokenKind kind) noexcept {
+constexpr bool isKeyword(TokenKind kind) noexcept {
     return kind >= TokenKind::Let && kind <= TokenKind::Catch;
 }
 
+constexpr std::size_t keywordSlots = 64;
+
 // The keyword that `word` spells, or Name.
 TokenKind nameKind(std::string_view word) {
-    static const auto keywords = [] {
-        std::unordered_map<std::string_view, TokenKind> table;
+    struct Keyword {
+        std::string_view spelling;
+        TokenKind kind;
+    };
+    // A perfect hash over the 22 words, found by trying: building it fails when two collide.
+    static constexpr auto slotOf = [](std::string_view text) -> std::size_t {
+        const auto first = static_cast<unsigned char>(text.front());
+        const auto last = static_cast<unsigned char>(text.back());
+        return (first + last * 6 + text.size() * 11) % keywordSlots;
+    };
+    static constexpr auto keywords = [] {
+        std::array<Keyword, keywordSlots> table{};
         const auto addKeyword = [&](TokenKind kind, std::string_view spelling) {
-            if (isKeyword(kind)) table.emplace(spelling, kind);
+            if (!isKeyword(kind)) return;
+            Keyword& slot = table[slotOf(spelling)];
+            if (!slot.spelling.empty()) throw spelling;
+            slot = {spelling, kind};
         };
 #define PELLUM_ADD_KEYWORD(name, spelling) addKeyword(TokenKind::name, spelling);
         PELLUM_TOKENS(PELLUM_ADD_KEYWORD)
 #undef PELLUM_ADD_KEYWORD
         return table;
     }();
-    const auto found = keywords.find(word);
-    return found == keywords.end() ? TokenKind::Name : found->second;
+    const Keyword& candidate = keywords[slotOf(word)];
+    return candidate.spelling == word ? candidate.kind : TokenKind::Name;
 }
 
 class Lexer {
@@ -48,7 +73,7 @@ public:
 
     std::vector<Token> run() {
         // Code has a token for every three or four bytes; the bound is for texts that are not code.
-        tokens_.reserve(std::min<std::size_t>(source_.size() / 4, 4096));
+        tokens_.reserve(std::min<std::size_t>(source_.size() / 4 + 1, 1 << 16));
         while (!atEnd()) scan();
         add(TokenKind::EndOfFile, "");
         return std::move(tokens_);
@@ -59,14 +84,14 @@ private:
         const char byte = peek();
         if (byte == '\n') {
             endOfLine();
-        } else if (byte == ' ' || byte == '\t' || byte == '\r') {
-            advance();
+        } else if (is(blankByte, byte)) {
+            ++offset_;
         } else if (byte == '#') {
             comment();
-        } else if (startsName(byte)) {
-            name();
         } else if (isDigit(byte) || (byte == '.' && isDigit(peek(1)))) {
             number();
+        } else if (continuesName(byte)) {
+            name();
         } else if (byte == '"' || byte == '\'') {
             string();
         } else {
@@ -77,16 +102,14 @@ private:
     // A line's end repeats the position of the token before it, so it begins none of its own.
     void endOfLine() {
         add(TokenKind::EndOfLine, "\\n");
-        advance();
+        passLineEnd();
     }
 
-    void comment() {
-        while (!atEnd() && peek() != '\n') advance();
-    }
+    void comment() { offset_ = std::min(source_.find('\n', offset_), source_.size()); }
 
     void name() {
         beginToken();
-        while (continuesName(peek())) advance();
+        while (continuesName(peek())) ++offset_;
         add(nameKind(tokenText()), tokenText());
     }
 
@@ -96,13 +119,13 @@ private:
         digits();
         if (peek() == '.' && isDigit(peek(1))) {
             isInteger = false;
-            advance();
+            ++offset_;
             digits();
         }
         if (peek() == 'e' || peek() == 'E') {
             isInteger = false;
-            advance();
-            if (peek() == '+' || peek() == '-') advance();
+            ++offset_;
+            if (peek() == '+' || peek() == '-') ++offset_;
             if (!isDigit(peek())) failAtToken("malformed number: exponent has no digits");
             digits();
         }
@@ -111,52 +134,83 @@ private:
         token.isInteger = isInteger;
     }
 
-    void digits() {
-        while (isDigit(peek())) advance();
+    void digits() noexcept {
+        while (isDigit(peek())) ++offset_;
     }
 
-    static double literalValue(const std::string& literal) {
+    static double literalValue(std::string_view literal) {
         const ParsedFloat parsed = parseFloatPrefix(literal);
-        if (parsed.outOfRange) throw std::out_of_range("number literal out of range: " + literal);
+        if (parsed.outOfRange) {
+            throw std::out_of_range("number literal out of range: " + std::string(literal));
+        }
         return parsed.value;
     }
 
+    // Most strings are nothing but their bytes; the others get contents of their own.
     void string() {
         beginToken();
-        const char quote = advance();
-        std::string text;
-        std::vector<StringPart> parts;
+        const char quote = peek();
+        const std::size_t start = ++offset_;
+        passPlainText(quote);
+        if (peek() == quote) {
+            ++offset_;
+            add(TokenKind::String, source_.substr(start, offset_ - 1 - start));
+            return;
+        }
+        richString(quote, start);
+    }
+
+    // Goes on, from the first byte that is more than itself, with the string that began at `start`.
+    void richString(char quote, std::size_t start) {
+        const auto contents = makeRef<StringContents>();
+        std::string text(source_.substr(start, offset_ - start));
+        const auto keepText = [&]() -> std::string_view {
+            return contents->decoded.emplace_back(std::exchange(text, {}));
+        };
         const auto addText = [&] {
-            if (!text.empty()) parts.push_back({StringPart::Kind::Text, std::move(text)});
-            text.clear();
+            if (!text.empty()) contents->parts.push_back({StringPart::Kind::Text, keepText()});
         };
         bool isInterpolated = false;
         while (peek() != quote) {
             if (atEnd() || peek() == '\n') failAtToken("unterminated string literal");
             if (peek() == '\\') {
                 text += escape();
-            } else if (quote == '"' && peek() == '$' && peek(1) == '{') {
+            } else if (startsExpression(quote)) {
                 isInterpolated = true;
                 addText();
-                parts.push_back({StringPart::Kind::Expression, embeddedExpression()});
+                contents->parts.push_back({StringPart::Kind::Expression, embeddedExpression()});
             } else {
-                text += advance();
+                text += source_[offset_++];
             }
+            const std::size_t plain = offset_;
+            passPlainText(quote);
+            text += source_.substr(plain, offset_ - plain);
         }
-        advance();
-        if (!isInterpolated) {
-            add(TokenKind::String, std::move(text));
-        } else {
-            addText();
-            add(TokenKind::InterpString, "").parts = std::move(parts);
+        ++offset_;
+        if (isInterpolated) addText();
+        Token& token =
+            isInterpolated ? add(TokenKind::InterpString, "") : add(TokenKind::String, keepText());
+        token.contents = contents;
+    }
+
+    // Up to the quote, or whatever else needs a closer look.
+    void passPlainText(char quote) noexcept {
+        while (!atEnd()) {
+            const char byte = source_[offset_];
+            if (byte == quote || byte == '\\' || byte == '\n' || startsExpression(quote)) return;
+            ++offset_;
         }
+    }
+
+    bool startsExpression(char quote) const noexcept {
+        return quote == '"' && peek() == '$' && peek(1) == '{';
     }
 
     // The byte that an escape such as "\n" stands for.
     char escape() {
-        advance();
+        ++offset_;
         if (atEnd()) failAtToken("unterminated string literal");
-        const char byte = advance();
+        const char byte = source_[offset_++];
         switch (byte) {
             case 'n': return '\n';
             case 't': return '\t';
@@ -166,16 +220,21 @@ private:
             case '"':
             case '\'':
             case '$': return byte;
-            default:
-                throw LexError(std::string("unknown escape sequence '\\") + byte + "'", line_,
-                               column_);
+            default: failAtEscape(byte);
         }
     }
 
+    [[noreturn]] void failAtEscape(char byte) {
+        if (byte == '\n') {
+            --offset_;
+            passLineEnd();
+        }
+        throw LexError(std::string("unknown escape sequence '\\") + byte + "'", line_, column());
+    }
+
     // The source between "${" and the "}" that matches it.
-    std::string embeddedExpression() {
-        advance();
-        advance();
+    std::string_view embeddedExpression() {
+        offset_ += 2;
         const std::size_t start = offset_;
         for (int depth = 1; depth > 0;) {
             if (atEnd() || peek() == '\n') failAtToken(unterminatedExpression);
@@ -186,26 +245,30 @@ private:
                 case '\'': nestedString(); continue;
                 default: break;
             }
-            advance();
+            ++offset_;
         }
-        return std::string(source_.substr(start, offset_ - 1 - start));
+        return source_.substr(start, offset_ - 1 - start);
     }
 
     // Passes over a string inside "${...}"; it is decoded when the expression is lexed.
     void nestedString() {
-        const char quote = advance();
+        const char quote = source_[offset_++];
         while (peek() != quote) {
-            if (peek() == '\\') advance();
+            if (peek() == '\\') ++offset_;
             if (atEnd()) failAtToken(unterminatedExpression);
-            advance();
+            if (peek() == '\n') {
+                passLineEnd();
+            } else {
+                ++offset_;
+            }
         }
-        advance();
+        ++offset_;
     }
 
     // Operators and punctuation.
     void punctuation() {
         beginToken();
-        const char byte = advance();
+        const char byte = source_[offset_++];
         switch (byte) {
             case '(': addPunctuation(TokenKind::LeftParen); break;
             case ')': addPunctuation(TokenKind::RightParen); break;
@@ -254,28 +317,26 @@ private:
         return ahead < source_.size() - offset_ ? source_[offset_ + ahead] : '\0';
     }
 
-    // REQUIRES: not at the end.
-    char advance() noexcept {
-        const char byte = source_[offset_++];
-        if (byte == '\n') {
-            ++line_;
-            column_ = 1;
-        } else {
-            ++column_;
-        }
-        return byte;
-    }
-
     bool accept(char byte) noexcept {
         if (peek() != byte) return false;
-        advance();
+        ++offset_;
         return true;
+    }
+
+    // REQUIRES: at a line end. All other bytes are passed by moving on the offset.
+    void passLineEnd() noexcept {
+        lineStart_ = ++offset_;
+        ++line_;
+    }
+
+    std::uint32_t column() const noexcept {
+        return static_cast<std::uint32_t>(offset_ - lineStart_) + 1;
     }
 
     void beginToken() noexcept {
         tokenOffset_ = offset_;
         tokenLine_ = line_;
-        tokenColumn_ = column_;
+        tokenColumn_ = column();
     }
 
     // What has been consumed of the token that is being scanned.
@@ -283,11 +344,10 @@ private:
         return source_.substr(tokenOffset_, offset_ - tokenOffset_);
     }
 
-    template <typename Text>
-    Token& add(TokenKind kind, Text&& text) {
+    Token& add(TokenKind kind, std::string_view text) {
         Token& token = tokens_.emplace_back();
         token.kind = kind;
-        token.text = std::forward<Text>(text);
+        token.text = text;
         token.line = tokenLine_;
         token.column = tokenColumn_;
         return token;
@@ -301,8 +361,8 @@ private:
 
     std::string_view source_;
     std::size_t offset_ = 0;
+    std::size_t lineStart_ = 0;
     std::uint32_t line_ = 1;
-    std::uint32_t column_ = 1;
     std::vector<Token> tokens_;
     // Where the token being scanned, or else the last one, began.
     std::size_t tokenOffset_ = 0;
@@ -315,6 +375,15 @@ private:
 std::vector<Token> tokenize(std::string_view source) {
     if (source.starts_with(byteOrderMark)) source.remove_prefix(byteOrderMark.size());
     return Lexer(source).run();
+}
+
+std::string_view spellingOf(TokenKind kind) noexcept {
+    static constexpr std::string_view spellings[] = {
+#define PELLUM_TOKEN_SPELLING(name, spelling) spelling,
+        PELLUM_TOKENS(PELLUM_TOKEN_SPELLING)
+#undef PELLUM_TOKEN_SPELLING
+    };
+    return spellings[static_cast<std::size_t>(kind)];
 }
 
 const char* tokenKindName(TokenKind kind) noexcept {

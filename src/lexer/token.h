@@ -1,8 +1,13 @@
 // Tokens: what the lexer makes of a source text and the parser, the prompt and the token dump read.
 #pragma once
 
+#include "value/object.h"
+
 #include <cstdint>
+#include <deque>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace pellum {
@@ -82,21 +87,35 @@ static_assert(static_cast<int>(TokenKind::EndOfFile) == 57);
 struct StringPart {
     enum class Kind : std::uint8_t { Text = 0, Expression = 1 };
     Kind kind;
-    std::string text;  // decoded for Text; source exactly as written for Expression
+    std::string_view text;  // decoded for Text; source exactly as written for Expression
 };
 
+// What a string token has beside the source text: its pieces, and whatever had to be decoded.
+struct StringContents final : Object {
+    std::vector<StringPart> parts;    // of an interpolated string
+    std::deque<std::string> decoded;  // texts with escapes, which the views look into
+};
+
+// Small, since a source has one for every few bytes. The texts are views into the source, or into
+// what the token shares with its copies, so the source must outlive the token.
 struct Token {
     TokenKind kind = TokenKind::EndOfFile;
-    // The characters as written; for a string its decoded contents; for an interpolated string
-    // nothing; for an end of line a backslash and an "n"; for the end of file nothing.
-    std::string text;
-    double number = 0;              // the value of a number literal
-    bool isInteger = false;         // a number written without fraction and exponent
-    std::vector<StringPart> parts;  // of an interpolated string
+    bool isInteger = false;  // a number written without fraction and exponent
     // Where the first character stands, from 1. Ends of lines and of the file repeat the position
     // of the last other token (1:1 when there is none).
     std::uint32_t line = 1;
     std::uint32_t column = 1;
+    // The characters as written; for a string its decoded contents; for an interpolated string
+    // nothing; for an end of line a backslash and an "n"; for the end of file nothing.
+    std::string_view text;
+    double number = 0;             // the value of a number literal
+    Ref<StringContents> contents;  // of a string with escapes or interpolations, else null
+
+    // The pieces of an interpolated string; none for other tokens.
+    std::span<const StringPart> parts() const noexcept {
+        return contents ? std::span<const StringPart>(contents->parts)
+                        : std::span<const StringPart>();
+    }
 };
 
 }  // namespace pellum

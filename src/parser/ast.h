@@ -9,7 +9,6 @@
 
 #include <cassert>
 #include <memory>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -160,17 +159,18 @@ struct NameExpr final : ExprOf<ExprKind::Name> {
 
 struct UnaryExpr final : ExprOf<ExprKind::Unary> {
     using ExprOf::ExprOf;
-    std::string op;  // "-" or "not"
+    std::string_view op;  // "-" or "not"
     ExprPtr operand;
 };
 
 struct BinaryExpr final : ExprOf<ExprKind::Binary> {
     using ExprOf::ExprOf;
+    // REQUIRES: the text outlives the tree.
     void setOperator(std::string_view text) {
         op = text;
         code = binaryOp(text);
     }
-    std::string op;
+    std::string_view op;
     BinaryOp code = BinaryOp::Unknown;  // what `op` names
     ExprPtr left, right;
 };
@@ -205,6 +205,7 @@ struct LetStmt final : StmtOf<StmtKind::Let> {
 
 struct AssignStmt final : StmtOf<StmtKind::Assign> {
     using StmtOf::StmtOf;
+    // REQUIRES: the text outlives the tree.
     void setOperator(std::string_view text) {
         op = text;
         code = binaryOp(text);
@@ -213,7 +214,7 @@ struct AssignStmt final : StmtOf<StmtKind::Assign> {
 
     ExprPtr target;  // a NameExpr, IndexExpr or GetExpr
     ExprPtr value;
-    std::string op;                     // empty for "=", else the arithmetic operator
+    std::string_view op;                // empty for "=", else the arithmetic operator
     BinaryOp code = BinaryOp::Unknown;  // what `op` names
 };
 

@@ -82,7 +82,7 @@ ExprPtr Parser::binary(int minLevel) {
         if (binding.level < minLevel) return left;
         const Token& op = advance();
         auto node = makeNode<BinaryExpr>(op);
-        node->setOperator(op.text);
+        node->setOperator(spellingOf(op.kind));
         node->left = std::move(left);
         node->right = binary(binding.side == Side::Left ? binding.level + 1 : binding.level);
         left = std::move(node);
@@ -96,7 +96,7 @@ ExprPtr Parser::unary() {
     checkNesting();
     const Token& op = advance();
     auto node = makeNode<UnaryExpr>(op);
-    node->op = op.text;
+    node->op = spellingOf(op.kind);
     node->operand = unary();
     return node;
 }
@@ -179,9 +179,9 @@ ExprPtr Parser::string() {
 // Pieces joined by "+" from left to right; all nodes made here stand where the string does.
 ExprPtr Parser::interpolatedString() {
     if (interpolationDepth_ == maxInterpolationDepth) fail(nestingTooDeep);
-    Token& token = advance();
+    const Token& token = advance();
     ExprPtr joined;
-    for (StringPart& part : token.parts) {
+    for (const StringPart& part : token.parts()) {
         ExprPtr piece = interpolatedPiece(token, part);
         if (!joined) {
             joined = std::move(piece);
@@ -197,13 +197,11 @@ ExprPtr Parser::interpolatedString() {
 }
 
 // A literal piece as it is; an embedded expression as "str(expression)".
-ExprPtr Parser::interpolatedPiece(const Token& token, StringPart& part) {
+ExprPtr Parser::interpolatedPiece(const Token& token, const StringPart& part) {
     if (part.kind == StringPart::Kind::Text) return makeLiteral(token, stringValue(part.text));
     auto node = makeNode<CallExpr>(token);
     node->callee = makeName(token, "str");
-    // The text goes before the tokens are parsed: strings deeper inside hold a copy of theirs.
-    std::vector<Token> tokens = tokenize(std::exchange(part.text, {}));
-    node->args.push_back(Parser(std::move(tokens), interpolationDepth_ + 1).interpolation());
+    node->args.push_back(Parser(tokenize(part.text), interpolationDepth_ + 1).interpolation());
     return node;
 }
 

@@ -25,8 +25,8 @@ ExprPtr Parser::interpolation() {
     return embedded;
 }
 
-Token& Parser::advance() noexcept {
-    Token& token = current();
+const Token& Parser::advance() noexcept {
+    const Token& token = current();
     if (token.kind != TokenKind::EndOfFile) ++index_;
     return token;
 }
@@ -38,7 +38,7 @@ bool Parser::accept(TokenKind kind) noexcept {
 }
 
 // Consumes a token of the given kind; `what` says what is missing where there is none.
-Token& Parser::expect(TokenKind kind, const char* what) {
+const Token& Parser::expect(TokenKind kind, const char* what) {
     if (!at(kind)) fail(std::string("expected ") + what + ", got " + description());
     return advance();
 }
@@ -59,7 +59,7 @@ std::string Parser::description() {
     switch (current().kind) {
         case TokenKind::EndOfFile:
         case TokenKind::EndOfLine: return tokenKindName(current().kind);
-        default: return "'" + current().text + "'";
+        default: return "'" + std::string(current().text) + "'";
     }
 }
 

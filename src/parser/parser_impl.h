@@ -49,7 +49,7 @@ private:
     ExprPtr number();
     ExprPtr string();
     ExprPtr interpolatedString();
-    ExprPtr interpolatedPiece(const Token& token, StringPart& part);
+    ExprPtr interpolatedPiece(const Token& token, const StringPart& part);
     ExprPtr name();
     ExprPtr grouping();
     template <typename ParseItem>
@@ -60,15 +60,15 @@ private:
     ExprPtr functionLiteral();
 
     // Looking.
-    Token& current() noexcept { return tokens_[index_]; }
+    const Token& current() const noexcept { return tokens_[index_]; }
     bool at(TokenKind kind) const noexcept { return tokens_[index_].kind == kind; }
     // REQUIRES: not at the end of the file.
     bool nextIs(TokenKind kind) const noexcept { return tokens_[index_ + 1].kind == kind; }
 
     // Consuming. A token consumed stays valid, and the end of the file is never passed.
-    Token& advance() noexcept;
+    const Token& advance() noexcept;
     bool accept(TokenKind kind) noexcept;
-    Token& expect(TokenKind kind, const char* what);
+    const Token& expect(TokenKind kind, const char* what);
     Symbol expectName(const char* what);
     void skipLineEnds() noexcept;
 

@@ -1,5 +1,7 @@
 #include "parser/parser_impl.h"
 
+#include "lexer/lexer.h"
+
 namespace pellum {
 
 namespace {
@@ -193,7 +195,7 @@ StmtPtr Parser::expressionStatement() {
     const Token& assignment = advance();
     auto assign = makeNode<AssignStmt>(assignment);
     assign->target = std::move(expr);
-    const std::string_view spelling = assignment.text;
+    const std::string_view spelling = spellingOf(assignment.kind);
     assign->setOperator(spelling.substr(0, spelling.size() - 1));  // what stands before the "="
     assign->value = expression();
     return assign;

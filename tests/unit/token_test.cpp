@@ -29,7 +29,7 @@ std::string contents(const Token& token) {
         out += '=';
         out += token.isInteger ? formatInt(truncateToInt(token.number)) : formatFloat(token.number);
     }
-    for (const StringPart& part : token.parts) {
+    for (const StringPart& part : token.parts()) {
         out += part.kind == StringPart::Kind::Text ? " text " : " code ";
         out += quoteString(part.text);
     }
@@ -231,7 +231,8 @@ TEST(Tokens, NumbersThatNoDoubleHoldsAreOutOfRange) {
          {std::string("1e999"), std::string("1e-400"), std::string("2.5E+309"), manyDigits}) {
         SCOPED_TRACE(literal);
         try {
-            tokenize("x = " + literal + " # y");
+            const std::string source = "x = " + literal + " # y";
+            tokenize(source);
             ADD_FAILURE() << "no error";
         } catch (const std::out_of_range& error) {
             EXPECT_EQ(error.what(), "number literal out of range: " + literal);

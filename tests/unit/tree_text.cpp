@@ -81,7 +81,7 @@ private:
     }
 
     void assign(const AssignStmt& stmt) {
-        open(stmt.op + "=", stmt);
+        open(std::string(stmt.op) + "=", stmt);
         child(*stmt.target);
         child(*stmt.value);
         close();
