@@ -4,6 +4,7 @@
 // tree-walker runs over it, since function values point into it.
 #pragma once
 
+#include "value/pool.h"
 #include "value/string.h"
 #include "value/value.h"
 
@@ -22,6 +23,11 @@ public:
     Node(const Node&) = delete;
     Node& operator=(const Node&) = delete;
     virtual ~Node() = default;
+
+    static void* operator new(std::size_t size) { return allocateCell(size); }
+    static void operator delete(void* memory, std::size_t size) noexcept {
+        releaseCell(memory, size);
+    }
 
     const std::uint32_t kind;  // a StmtKind or an ExprKind
     std::uint32_t line;        // from 1

@@ -4,6 +4,8 @@
 // objects that one loop empties, so a linked list of a million maps is dropped in constant stack.
 #pragma once
 
+#include "value/pool.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
@@ -15,6 +17,11 @@ class Object {
 public:
     Object(const Object&) = delete;
     Object& operator=(const Object&) = delete;
+
+    static void* operator new(std::size_t size) { return allocateCell(size); }
+    static void operator delete(void* memory, std::size_t size) noexcept {
+        releaseCell(memory, size);
+    }
 
     void retain() noexcept { ++references_; }
     void release() noexcept {

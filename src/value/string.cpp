@@ -55,8 +55,7 @@ void checkLength(std::size_t length) {
 
 Ref<StringObj> StringObj::makeUninitialized(std::size_t length) {
     checkLength(length);
-    const std::size_t beyond = length > sizeof(inline_) ? length - sizeof(inline_) : 0;
-    auto* string = new (::operator new(sizeof(StringObj) + beyond)) StringObj;
+    auto* string = new (allocateCell(sizeFor(length))) StringObj;
     string->length_ = static_cast<std::uint32_t>(length);
     return Ref<StringObj>(string);
 }
@@ -64,7 +63,7 @@ Ref<StringObj> StringObj::makeUninitialized(std::size_t length) {
 Ref<StringObj> StringObj::makeOver(StringBuffer* adopted, std::size_t length) {
     StringObj* string = nullptr;
     try {
-        string = new (::operator new(sizeof(StringObj))) StringObj;
+        string = new (allocateCell(sizeFor(0))) StringObj;
     } catch (...) {
         adopted->release();
         throw;
@@ -83,8 +82,11 @@ Ref<StringObj> StringObj::make(std::string_view text) {
     return string;
 }
 
+constinit thread_local std::size_t StringObj::sizeOfTheDead = 0;
+
 StringObj::~StringObj() {
     if (!isInline()) buffer_->release();
+    sizeOfTheDead = sizeFor(isInline() ? length_ : 0);
 }
 
 bool StringObj::canGrowBy(std::size_t count) const noexcept {

@@ -38,11 +38,20 @@ public:
     static const Ref<StringObj>& oneByte(unsigned char byte);
     static const Ref<StringObj>& empty();
 
-    static void operator delete(void* memory) { ::operator delete(memory); }
+    // Strings differ in size, so each says on its death how much memory it gives back.
+    static void* operator new(std::size_t, void* memory) noexcept { return memory; }
+    static void operator delete(void* memory) noexcept { releaseCell(memory, sizeOfTheDead); }
 
 private:
     StringObj() noexcept = default;
     ~StringObj() override;
+
+    static constinit thread_local std::size_t sizeOfTheDead;
+
+    static constexpr std::size_t sizeFor(std::size_t inlineLength) noexcept {
+        return sizeof(StringObj) +
+               (inlineLength > sizeof(inline_) ? inlineLength - sizeof(inline_) : 0);
+    }
 
     struct Shared;
     static const Shared& shared();
