@@ -477,12 +477,11 @@ leave : {
     DISPATCH();
 }
     ARM(TRY_BEGIN) {
-        const auto size = static_cast<std::size_t>(&R(pc->a) - vm->stack_.begin());
-        vm->handlers_.push_back({vm->frameCount(), size, pc + pc->extra});
+        vm->enterTry(&R(pc->a), pc + pc->extra);
         NEXT();
     }
     ARM(TRY_END) {
-        vm->handlers_.pop_back();
+        vm->leaveTry();
         NEXT();
     }
     ARM(EXIT) { return nullptr; }

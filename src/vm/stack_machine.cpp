@@ -171,11 +171,11 @@ void VM::runStackCode(std::size_t baseDepth) {
             }
             case OpCode::TRY_BEGIN: {
                 const std::size_t offset = nextU16();
-                handlers_.push_back({frameCount(), stack_.size(), ip + offset});
+                enterTry(stack_.top(), ip + offset);
                 break;
             }
             case OpCode::TRY_END:
-                if (!handlers_.empty()) handlers_.pop_back();
+                if (!handlers_.empty()) leaveTry();
                 break;
             case OpCode::HALT:
                 // The run ends here with nil, whatever is still on the stack.

@@ -79,12 +79,25 @@ Value VM::runToDepth(std::size_t baseDepth) {
     }
 }
 
+void VM::enterTry(const Value* top, const void* target) {
+    const auto frames = static_cast<std::uint32_t>(frameCount());
+    const auto size = static_cast<std::uint32_t>(top - stack_.begin());
+    if (!handlers_.empty()) {
+        Handler& last = handlers_.back();
+        if (last.frameCount == frames && last.stackSize == size && last.target == target) {
+            ++last.times;
+            return;
+        }
+    }
+    handlers_.push_back({frames, size, target, 1});
+}
+
 // A handler outlives its `try` when that is left by `break`, `continue` or `return`; it may then
 // fire where the stack is shorter than it was, and the catch code finds nil in the missing slots.
 bool VM::enterHandler(std::size_t baseDepth, Value caught) {
     if (handlers_.empty() || handlers_.back().frameCount <= baseDepth) return false;
     const Handler handler = handlers_.back();
-    handlers_.pop_back();
+    leaveTry();
     coverTopFrame();
     while (frameCount() > handler.frameCount) popFrame();
     closeUpvalues(stack_.slot(handler.stackSize));

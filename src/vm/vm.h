@@ -48,11 +48,13 @@ private:
         bool isExact;            // and so does whatever it calls
     };
 
-    // A `try` that has been entered: what to return to when something is thrown.
+    // A `try` that has been entered: what to return to when something is thrown. A loop that leaves
+    // its `try` by `break` may enter the same one millions of times, so equal neighbours are one.
     struct Handler {
-        std::size_t frameCount;
-        std::size_t stackSize;
-        const void* target;  // an instruction of register code or a byte of stack code
+        std::uint32_t frameCount;
+        std::uint32_t stackSize;
+        const void* target;   // an instruction of register code or a byte of stack code
+        std::uint64_t times;  // how often it has been entered and not left
     };
 
     std::size_t frameCount() const noexcept {
@@ -63,6 +65,10 @@ private:
     // goes to the script's handlers above that depth first.
     Value runToDepth(std::size_t baseDepth);
     bool enterHandler(std::size_t baseDepth, Value caught);
+    void enterTry(const Value* top, const void* target);
+    void leaveTry() noexcept {
+        if (--handlers_.back().times == 0) handlers_.pop_back();
+    }
     void coverTopFrame() noexcept;
 
     // Both run the top frame until a frame of the other kind is on top, or `baseDepth` is reached.
