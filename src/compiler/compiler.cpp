@@ -50,7 +50,8 @@ private:
     Emitter& code() noexcept { return current_->code; }
     std::size_t addName(const Symbol& name) { return code().addConstant(Value(name.string())); }
 
-    FunctionState* current_ = nullptr;
+    FunctionState script_{nullptr};
+    FunctionState* current_ = &script_;  // of the function being compiled
 };
 
 void checkNesting(const Node& node) {
@@ -66,15 +67,13 @@ OpCode instructionFor(BinaryOp op) noexcept {
 }
 
 Ref<FunctionProto> Compiler::script(const Block& program) {
-    FunctionState state(nullptr);
-    current_ = &state;
     statements(program);
     // The end of the script belongs to its last statement.
     const BreakStmt beginning(1, 1);
     const Node& last = program.empty() ? static_cast<const Node&>(beginning) : *program.back();
     code().emit(OpCode::NIL, last);
     code().emit(OpCode::RETURN, last);
-    return state.proto;
+    return script_.proto;
 }
 
 void Compiler::statements(const Block& block) {

@@ -18,9 +18,9 @@ enum ByteClass : std::uint8_t { digitByte = 1, nameByte = 2, blankByte = 4 };
 
 constexpr auto byteClasses = [] {
     std::array<std::uint8_t, 256> classes{};
-    for (int byte = '0'; byte <= '9'; ++byte) classes[byte] = digitByte | nameByte;
-    for (int byte = 'a'; byte <= 'z'; ++byte) classes[byte] = nameByte;
-    for (int byte = 'A'; byte <= 'Z'; ++byte) classes[byte] = nameByte;
+    for (std::size_t byte = '0'; byte <= '9'; ++byte) classes[byte] = digitByte | nameByte;
+    for (std::size_t byte = 'a'; byte <= 'z'; ++byte) classes[byte] = nameByte;
+    for (std::size_t byte = 'A'; byte <= 'Z'; ++byte) classes[byte] = nameByte;
     classes['_'] = nameByte;
     classes[' '] = classes['\t'] = classes['\r'] = blankByte;
     return classes;

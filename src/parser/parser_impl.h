@@ -14,7 +14,7 @@ namespace pellum {
 class Parser {
 public:
     // `interpolationDepth` says inside how many "${...}" the tokens stand.
-    explicit Parser(std::vector<Token> tokens, int interpolationDepth = 0) noexcept
+    explicit Parser(std::vector<Token>&& tokens, int interpolationDepth = 0) noexcept
         : tokens_(std::move(tokens)), interpolationDepth_(interpolationDepth) {}
 
     Block program();

@@ -132,7 +132,7 @@ inline constexpr std::size_t maxListLength = std::size_t{1} << 28;
 // maxListLength: what would make a longer one throws std::length_error first.
 struct ListObj final : Object {
     ListObj() = default;
-    explicit ListObj(std::vector<Value> elements) noexcept : items(std::move(elements)) {}
+    explicit ListObj(std::vector<Value>&& elements) noexcept : items(std::move(elements)) {}
 
     std::vector<Value> items;
 };

@@ -13,16 +13,19 @@ namespace pellum {
 struct GlobalCell {
     Value value;
     bool isDefined = false;
-    const StringObj* name;
+    const StringObj* name = nullptr;
 };
 
 class Globals {
 public:
     // REQUIRES: the name is interned.
     GlobalCell& cell(const StringObj& name) {
-        const auto [found, isNew] = byName_.try_emplace(&name, nullptr);
-        if (isNew) found->second = &cells_.emplace_back(GlobalCell{{}, false, &name});
-        return *found->second;
+        GlobalCell*& cell = byName_[&name];
+        if (!cell) {
+            cell = &cells_.emplace_back();
+            cell->name = &name;
+        }
+        return *cell;
     }
 
     void define(const Symbol& name, Value value) {
