@@ -3,12 +3,17 @@
 #include "runners/runners.h"
 
 #include "support/command_case.h"
+#include "support/fifo_writer.h"
 #include "support/files.h"
 #include "support/playing.h"
+#include "support/process.h"
 #include "support/registration.h"
 #include "support/text.h"
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <deque>
 
 namespace fs = std::filesystem;
 
@@ -22,6 +27,26 @@ void layOut(const CommandCase& commandCase, const fs::path& folder) {
         fs::create_directories((folder / file.name).parent_path());
         writeFile(folder / file.name, file.contents);
     }
+    for (const CommandCase::File& link : commandCase.links) {
+        fs::create_symlink(link.contents, folder / link.name);
+    }
+}
+
+Outcome playFromOutside(const CommandCase& commandCase, const fs::path& folder) {
+    const Surroundings& surroundings = commandCase.surroundings;
+    std::deque<FifoWriter> writers;
+    for (const CommandCase::File& fifo : commandCase.fifos) {
+        writers.emplace_back(folder / fifo.name, fifo.contents);
+    }
+    Process process;
+    process.executable = PELLUM_EXECUTABLE;
+    process.arguments = commandCase.arguments;
+    process.folder = folder;
+    process.input = commandCase.input;
+    if (commandCase.outputTo == OutputTo::FullDevice) process.outputFile = "/dev/full";
+    process.readsOutput = commandCase.outputTo == OutputTo::Memory;
+    if (!surroundings.areUsual()) process.prepare = [&] { return surroundings.enter(); };
+    return process.run();
 }
 
 Outcome playInside(const CommandCase& commandCase, const fs::path& folder) {
@@ -41,12 +66,11 @@ enum class Place { Inside, Outside };
 
 void play(const fs::path& path, Place place) {
     const CommandCase commandCase = parseCommandCase(readFile(path));
+    if (const char* reason = commandCase.surroundings.whyImpossible()) GTEST_SKIP() << reason;
     const TemporaryFolder folder;
     layOut(commandCase, folder.path());
-    const Outcome given = place == Place::Inside
-                              ? playInside(commandCase, folder.path())
-                              : playOutside(commandCase.arguments, commandCase.input, folder.path(),
-                                            Streams::Apart, commandCase.outputTo);
+    const Outcome given = place == Place::Inside ? playInside(commandCase, folder.path())
+                                                 : playFromOutside(commandCase, folder.path());
     expectMatch(path, "standard output", commandCase.output, given.output);
     expectMatch(path, "standard error", commandCase.errors, given.errors);
     EXPECT_EQ(given.status, commandCase.status);
@@ -55,7 +79,11 @@ void play(const fs::path& path, Place place) {
 // Whether the case is about what only a process of its own can meet.
 bool needsProcess(const fs::path& path) {
     try {
-        return parseCommandCase(readFile(path)).outputTo == OutputTo::ClosedPipe;
+        const CommandCase commandCase = parseCommandCase(readFile(path));
+        const auto& words = commandCase.arguments;
+        const bool isSource = std::find(words.begin(), words.end(), "/dev/stdin") != words.end();
+        return commandCase.outputTo == OutputTo::ClosedPipe || isSource ||
+               !commandCase.fifos.empty() || !commandCase.surroundings.areUsual();
     } catch (const std::runtime_error&) {
         return false;  // playing it reports what is wrong
     }

@@ -90,6 +90,18 @@ private:
             result_.files.push_back({heading.argument, std::move(body)});
         } else if (heading.kind == "directory") {
             result_.directories.push_back(heading.argument);
+        } else if (heading.kind == "fifo") {
+            result_.fifos.push_back({heading.argument, std::move(body)});
+        } else if (heading.kind == "link") {
+            result_.links.push_back({heading.argument, std::string(trim(body))});
+        } else if (heading.kind == "limit") {
+            result_.surroundings.addLimit(heading.argument);
+        } else if (heading.kind == "environment") {
+            result_.surroundings.environment = splitLines(body);
+        } else if (heading.has("closed")) {
+            lead(heading.kind, std::string(closedStream));
+        } else if (heading.argument.starts_with("from ") || heading.argument.starts_with("to ")) {
+            lead(heading.kind, heading.argument.substr(heading.argument.find(' ') + 1));
         } else if (heading.kind == "input") {
             result_.input = std::move(body);
         } else if (heading.kind == "output") {
@@ -102,6 +114,19 @@ private:
             result_.status = std::stoi(heading.argument);
         } else {
             throw std::runtime_error("unknown section: " + heading.kind);
+        }
+    }
+
+    void lead(const std::string& stream, const std::string& path) {
+        Surroundings& surroundings = result_.surroundings;
+        if (stream == "input") {
+            surroundings.input = path;
+        } else if (stream == "output") {
+            surroundings.output = path;
+        } else if (stream == "errors") {
+            surroundings.errors = path;
+        } else {
+            throw std::runtime_error("no stream: " + stream);
         }
     }
 

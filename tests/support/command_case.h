@@ -8,16 +8,22 @@
 //   --- output
 //   hello
 //
-// Sections: "file NAME", "directory NAME", "input", "output", "errors", "status N". A section may
+// Sections: "file NAME", "directory NAME", "input", "output", "errors", "status N"; "fifo NAME",
+// which holds what is written into it, and "link NAME", which holds where it leads. A section may
 // end its heading with modifiers: "(escaped)" reads backslash escapes such as \xEF, "(no newline)"
 // drops the newline at the section's end, "(pattern)" lets "<number>" stand for any number, and
 // "output (full device)" makes every write to standard output fail, and "output (closed pipe)" lets
 // nobody read it. Without a section nothing goes in, nothing may come out, and the status is 0.
 //
+// Surroundings: "input from PATH", "output to PATH" and "errors to PATH" lead a stream elsewhere,
+// "input (closed)" and its like close it; "limit stack 256K" sets a limit, also on "memory",
+// "data", "files", "written" and "seconds"; "environment" holds the whole environment.
+//
 // In the command, words may stand in single quotes, as they are, or in double quotes, with escapes.
 #pragma once
 
 #include "support/playing.h"
+#include "support/surroundings.h"
 
 #include <string>
 #include <string_view>
@@ -41,6 +47,9 @@ struct CommandCase {
     std::vector<std::string> arguments;
     std::vector<File> files;
     std::vector<std::string> directories;
+    std::vector<File> fifos;
+    std::vector<File> links;
+    Surroundings surroundings;
     std::string input;
     ExpectedText output, errors;
     OutputTo outputTo = OutputTo::Memory;

@@ -77,7 +77,7 @@ void writeSome(FileDescriptor& stream, std::string_view& rest) {
     if (rest.empty()) stream.close();
 }
 
-pollfd watch(const FileDescriptor& stream, short events) { return {stream.number(), events, 0}; }
+pollfd watched(const FileDescriptor& stream, short events) { return {stream.number(), events, 0}; }
 
 int waitFor(pid_t child) {
     int status = 0;
@@ -115,7 +115,8 @@ Outcome Process::run() const {
         dup2(in.readEnd.number(), STDIN_FILENO);
         dup2(output, STDOUT_FILENO);
         dup2(mergesErrors ? output : errors.writeEnd.number(), STDERR_FILENO);
-        if (chdir(folder.c_str()) == 0) execv(executable.c_str(), argumentPointers.data());
+        if (chdir(folder.c_str()) != 0 || (prepare && !prepare())) _exit(126);
+        execv(executable.c_str(), argumentPointers.data());
         _exit(127);
     }
 
@@ -124,17 +125,21 @@ Outcome Process::run() const {
     errors.writeEnd.close();
     // A pipe that is full must not stop us from reading what the child has to say meanwhile.
     fcntl(in.writeEnd.number(), F_SETFL, O_NONBLOCK);
+    if (started) started(child);
     Outcome outcome;
     std::string_view rest = input;
     if (rest.empty()) in.writeEnd.close();
     while (in.writeEnd.isOpen() || out.readEnd.isOpen() || errors.readEnd.isOpen()) {
         // A closed stream has the number -1, which poll passes over.
-        std::array<pollfd, 3> streams = {watch(in.writeEnd, POLLOUT), watch(out.readEnd, POLLIN),
-                                         watch(errors.readEnd, POLLIN)};
+        std::array<pollfd, 3> streams = {watched(in.writeEnd, POLLOUT),
+                                         watched(out.readEnd, POLLIN),
+                                         watched(errors.readEnd, POLLIN)};
         if (poll(streams.data(), streams.size(), -1) < 0 && errno != EINTR) failWithErrno("poll");
         if (streams[0].revents) writeSome(in.writeEnd, rest);
         if (streams[1].revents) readSome(out.readEnd, outcome.output);
+        if (readsOnce && !outcome.output.empty()) out.readEnd.close();
         if (streams[2].revents) readSome(errors.readEnd, outcome.errors);
+        if (watch && (streams[1].revents || streams[2].revents)) watch(child, outcome);
     }
     outcome.status = waitFor(child);
     return outcome;
