@@ -34,30 +34,59 @@ std::size_t reserve(std::size_t stackSize) noexcept {
     return std::clamp(stackSize / 4, std::size_t{64} << 10, std::size_t{256} << 10);
 }
 
+// What may be used of a thread's stack, as long as there is memory for it.
+struct StackBounds {
+    std::uintptr_t lowest = 0;  // address
+    std::size_t reserve = 0;    // kept back above it
+
+    std::uintptr_t lowestLimit() const noexcept { return lowest + reserve; }
+};
+
 #if defined(__unix__)
 
-// The lowest address of the stack of this thread that may be used.
-std::uintptr_t lowestUsableAddress(std::uintptr_t frame) noexcept {
+StackBounds boundsOfThisThread(std::uintptr_t frame) noexcept {
     pthread_attr_t attributes;
-    void* lowest = nullptr;
+    void* start = nullptr;
     std::size_t size = 0;
     // For the first thread this takes the limit of the process and the neighbouring mappings into
     // account; it is a costly question, asked once.
     if (pthread_getattr_np(pthread_self(), &attributes) == 0) {
-        pthread_attr_getstack(&attributes, &lowest, &size);
+        pthread_attr_getstack(&attributes, &start, &size);
         pthread_attr_destroy(&attributes);
     }
-    if (!lowest) return frame - (std::uintptr_t{128} << 10);
-    const auto bottom = reinterpret_cast<std::uintptr_t>(lowest);
-    const std::uintptr_t top = bottom + size;
-    return std::max(bottom, top - std::min<std::uintptr_t>(top, wantedStack)) + reserve(size);
+    if (start) {
+        const auto bottom = reinterpret_cast<std::uintptr_t>(start);
+        const std::uintptr_t top = bottom + size;
+        const std::uintptr_t wanted = top - std::min<std::uintptr_t>(top, wantedStack);
+        return {std::max(bottom, wanted), reserve(size)};
+    }
+    // Only for the first thread it has to look into a file, which may be out of reach. Then a
+    // quarter is left to the arguments and the environment, as the system does.
+    rlimit limit{};
+    std::size_t granted = std::size_t{128} << 10;
+    if (getrlimit(RLIMIT_STACK, &limit) == 0) {
+        granted = static_cast<std::size_t>(std::min<rlim_t>(limit.rlim_cur, wantedStack)) / 4 * 3;
+    }
+    return {frame - std::min<std::uintptr_t>(frame, granted), reserve(granted)};
+}
+
+// Whether the stack reaches down to `address`, or can be made to. Where memory or address space is
+// used up the system does not let it grow, and kills who touches what is missing; but a system call
+// that is to write there merely fails.
+// REQUIRES: the address is between the bounds of the stack and what is in use.
+bool stackReaches(std::uintptr_t address) noexcept {
+    constexpr std::uintptr_t alignment = 64;
+    return getrlimit(RLIMIT_STACK,
+                     reinterpret_cast<rlimit*>(address / alignment * alignment + alignment)) == 0;
 }
 
 #else
 
-std::uintptr_t lowestUsableAddress(std::uintptr_t frame) noexcept {
-    return frame - (std::uintptr_t{512} << 10);
+StackBounds boundsOfThisThread(std::uintptr_t frame) noexcept {
+    return {frame - (std::uintptr_t{512} << 10), 0};
 }
+
+bool stackReaches(std::uintptr_t) noexcept { return true; }
 
 #endif
 
@@ -66,15 +95,23 @@ std::uintptr_t lowestUsableAddress(std::uintptr_t frame) noexcept {
 namespace detail {
 
 // Until the first check every address is below the limit, so that nothing is asked at start-up.
+// From then on the limit goes down in steps, each made sure of before it is granted.
 thread_local std::uintptr_t hostStackLimit = std::numeric_limits<std::uintptr_t>::max();
 
 bool hostStackIsLowBelowLimit(std::uintptr_t frame) noexcept {
-    thread_local bool isKnown = false;
-    if (!isKnown) {
-        hostStackLimit = lowestUsableAddress(frame);
-        isKnown = true;
+    constexpr std::uintptr_t greatestStep = std::uintptr_t{1} << 20;
+    constexpr std::uintptr_t smallestStep = std::uintptr_t{16} << 10;
+
+    thread_local StackBounds bounds;
+    if (bounds.lowest == 0) bounds = boundsOfThisThread(frame);
+    for (std::uintptr_t step = greatestStep; step >= smallestStep; step /= 4) {
+        const std::uintptr_t limit = std::max(frame - step, bounds.lowestLimit());
+        if (limit >= frame) return true;
+        if (!stackReaches(limit - bounds.reserve)) continue;
+        hostStackLimit = limit;
+        return false;
     }
-    return frame < hostStackLimit;
+    return true;
 }
 
 }  // namespace detail

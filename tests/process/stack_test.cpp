@@ -1,0 +1,134 @@
+// Deep sources, recursion and data at all sizes of the stack: an answer or the error that says that
+// it is too deep, never a crash.
+#include "support/files.h"
+#include "support/process.h"
+#include "support/surroundings.h"
+#include "support/text.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace pellum::test {
+
+namespace {
+
+std::string times(int count, std::string_view piece) {
+    std::string text;
+    for (int i = 0; i < count; ++i) text += piece;
+    return text;
+}
+
+constexpr const char* stackLimits[] = {"stack 256K", "stack 1M", "stack unlimited"};
+
+struct Deep {
+    const char* what;
+    std::string source;
+};
+
+constexpr int levels = 20'000;
+
+const Deep deepSources[] = {
+    {"brackets", "let x = " + times(levels, "(") + "1"},
+    {"lists", "let x = " + times(levels, "[")},
+    {"maps", "let x = " + times(levels, "{a: ")},
+    {"calls", "let x = " + times(levels, "f(")},
+    {"indexes", "let x = " + times(levels, "x[")},
+    {"not", "let x = " + times(levels, "not ") + "1"},
+    {"minus", "let x = " + times(levels, "-") + "1"},
+    {"powers", "let x = 1" + times(levels, " ^ 1")},
+    {"sums", "let x = 1" + times(levels, " + 1")},
+    {"comparisons", "let x = 1" + times(levels, " == 1")},
+    {"or", "let x = nil" + times(levels, " or nil")},
+    {"chains of calls", "let f = nil\nf" + times(levels, "()")},
+    {"chains of fields", "let f = nil\nf" + times(levels, ".a")},
+    {"if", times(levels, "if true then ")},
+    {"elif", "if false then 1\n" + times(levels, "elif false then 1\n") + "end"},
+    {"while", times(levels, "while true do ")},
+    {"for", times(levels, "for i = 1, 2 do ")},
+    {"functions", times(levels, "function f() ")},
+    {"function values", "let x = " + times(levels, "function() return ")},
+    {"try", times(levels, "try ")},
+    {"strings in strings", "let x = \"" + times(levels, "${") + "\""},
+};
+
+// What deep nesting may lead to. Where it is no nesting to the parser, the program may well run.
+bool isClean(const Outcome& outcome) {
+    if (outcome.status == 0) return outcome.errors.empty();
+    const std::string firstLine = outcome.errors.substr(0, outcome.errors.find('\n'));
+    return outcome.status == 1 &&
+           (firstLine.starts_with("SyntaxError") || firstLine.starts_with("CompileError: ") ||
+            firstLine.starts_with("RuntimeError: "));
+}
+
+Outcome play(const std::string& source, Engine engine, const char* limit) {
+    const TemporaryFolder folder;
+    writeFile(folder.path() / "deep", source);
+    Surroundings surroundings;
+    surroundings.addLimit(limit);
+    Process process;
+    process.executable = PELLUM_EXECUTABLE;
+    process.arguments = onEngine(engine, {"deep"});
+    process.folder = folder.path();
+    process.prepare = [&] { return surroundings.enter(); };
+    return process.run();
+}
+
+TEST(Stack, DeepSources) {
+    for (const Deep& deep : deepSources) {
+        for (const Engine engine : bothEngines) {
+            for (const char* limit : {"stack 256K", "stack 1M"}) {
+                const Outcome outcome = play(deep.source, engine, limit);
+                EXPECT_TRUE(isClean(outcome)) << deep.what << ", " << engineName(engine) << ", "
+                                              << limit << ": status " << outcome.status << "\n"
+                                              << outcome.errors.substr(0, 200);
+            }
+        }
+    }
+}
+
+// Each ends with "goes on" when the error can be caught and all is well afterwards.
+constexpr const char* deepPrograms[] = {
+    "function f(x) return 1 + f(x) end\ntry f(1) catch e end\nprint(\"goes on\")",
+    "function f(x)\nfor i = 1, 2 do\nif x then\nlet y = [f(x)]\nend\nend\nend\n"
+    "try f(1) catch e end\nprint(\"goes on\")",
+    "function f(x) return map(f, [x]) end\ntry f(1) catch e end\nprint(\"goes on\")",
+    "function f(a, b) return sort([2, 1], f) end\ntry f(1, 2) catch e end\nprint(\"goes on\")",
+    "let xs = [reduce]\npush(xs, xs)\ntry reduce(reduce, xs) catch e end\nprint(\"goes on\")",
+    "let xs = []\nfor i = 1, 100000 do xs = [xs] end\ntry str(xs) catch e end\nxs = nil\n"
+    "print(\"goes on\")",
+    "let m = {}\nfor i = 1, 100000 do m = {a: m} end\ntry repr(m) catch e end\nm = nil\n"
+    "print(\"goes on\")",
+    // At the very bottom, whatever builtins need must still fit.
+    "function f(x)\ntry\nf(x)\ncatch e\nlet t = sort(split(\"b a \" + str(1.5)))\n"
+    "t = [hex(255), replace(\"aXa\", \"X\", \"b\"), num(\"1e5\"), sin(1), {a: t}, upper(str(t))]\n"
+    "error(e)\nend\nend\ntry f(1) catch e end\nprint(\"goes on\")",
+};
+
+TEST(Stack, DeepPrograms) {
+    for (const char* program : deepPrograms) {
+        for (const char* limit : stackLimits) {
+            for (const Engine engine : bothEngines) {
+                SCOPED_TRACE(std::string(program) + ", " + engineName(engine) + ", " + limit);
+                EXPECT_EQ(play(program, engine, limit), (Outcome{0, "goes on\n", ""}));
+            }
+        }
+    }
+}
+
+// Where the address space is used up before the stack's limit is reached, the stack ends there.
+TEST(Stack, RecursionUnderALimitOnMemory) {
+    for (const char* limit : {"memory 12M", "memory 20M", "memory 50M", "memory 100M"}) {
+        Surroundings surroundings;
+        surroundings.addLimit(limit);
+        if (const char* reason = surroundings.whyImpossible()) GTEST_SKIP() << reason;
+        for (const Engine engine : bothEngines) {
+            SCOPED_TRACE(std::string(engineName(engine)) + ", " + limit);
+            EXPECT_EQ(play(deepPrograms[0], engine, limit), (Outcome{0, "goes on\n", ""}));
+        }
+    }
+}
+
+}  // namespace
+
+}  // namespace pellum::test
