@@ -1,6 +1,7 @@
 // Where a program prints to and reads lines from. Each engine is given one.
 #pragma once
 
+#include <cstddef>
 #include <iosfwd>
 #include <optional>
 #include <string>
@@ -13,6 +14,11 @@ struct OutputError {
     bool readerIsGone = false;  // a closed pipe: whoever read the output has had enough
 };
 
+// A line of input without an end in sight.
+struct LineTooLong {};
+
+inline constexpr std::size_t maxLineLength = std::size_t{1} << 28;
+
 class Console {
 public:
     // REQUIRES: both streams outlive the console.
@@ -23,7 +29,8 @@ public:
     void flush();
 
     // The next line of the input without its newline (a carriage return stays), or none at its end.
-    // Output is flushed before the wait.
+    // Output is flushed before the wait. Throws LineTooLong beyond maxLineLength; what has been
+    // read by then is gone, and the rest of the line is the next one.
     std::optional<std::string> readLine();
 
 private:

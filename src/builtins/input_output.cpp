@@ -16,8 +16,12 @@ Value print(Caller& caller, Arguments& args) {
 Value input(Caller& caller, Arguments& args) {
     Console& console = caller.console();
     if (!args.empty()) console.write(DisplayText(args[0]).view());
-    const std::optional<std::string> line = console.readLine();
-    return line ? Value(*line) : Value();
+    try {
+        const std::optional<std::string> line = console.readLine();
+        return line ? Value(*line) : Value();
+    } catch (const LineTooLong&) {
+        throw RuntimeError("input: line longer than " + std::to_string(maxLineLength) + " bytes");
+    }
 }
 
 }  // namespace pellum::library

@@ -93,7 +93,7 @@ ExitStatus runMode(std::vector<std::string> args, Session& session) {
         if (args[0] != mode.option) continue;
         if (!mode.argument) return mode.run({}, engine, session);
         if (args.size() > 1) return mode.run(args[1], engine, session);
-        session.diagnose("pellum: " + args[0] + " requires " + mode.argument);
+        session.complain(args[0] + " requires " + mode.argument);
         return exitUsage;
     }
     return runFile(args[0], engine, session);
@@ -103,20 +103,14 @@ ExitStatus runMode(std::vector<std::string> args, Session& session) {
 
 int runMain(std::vector<std::string> args, std::istream& in, std::ostream& out, std::ostream& err) {
     Session session(in, out, err);
-    const char* problem = nullptr;
-    std::string detail;
     try {
         try {
             const ExitStatus status = runMode(std::move(args), session);
             session.console.flush();
             return status;
-        } catch (const std::bad_alloc&) {
-            problem = "out of memory";
         } catch (const std::exception& failure) {
-            detail = failure.what();
-            problem = detail.c_str();
+            session.complain(failure);
         }
-        session.diagnose(std::string("pellum: ") + problem);
     } catch (const OutputError& failure) {
         if (failure.readerIsGone) return exitSuccess;
         err << "pellum: cannot write to standard output\n" << std::flush;

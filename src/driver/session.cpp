@@ -2,19 +2,25 @@
 
 #include "value/format.h"
 
+#include <new>
 #include <ostream>
 
 namespace pellum {
 
-void Session::diagnose(std::string_view line) {
-    const auto writeLine = [&] { err_ << line << '\n' << std::flush; };
+void Session::writeLine(std::string_view beginning, std::string_view rest) {
+    const auto writeNow = [&] { err_ << beginning << rest << '\n' << std::flush; };
     try {
         console.flush();
     } catch (const OutputError&) {
-        writeLine();
+        writeNow();
         throw;
     }
-    writeLine();
+    writeNow();
+}
+
+void Session::complain(const std::exception& failure) {
+    const bool isMemory = dynamic_cast<const std::bad_alloc*>(&failure) != nullptr;
+    complain(isMemory ? "out of memory" : failure.what());
 }
 
 void Session::diagnose(const PellumError& error, std::string_view source, std::string_view name) {

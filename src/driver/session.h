@@ -4,6 +4,7 @@
 #include "builtins/console.h"
 #include "driver/errors/errors.h"
 
+#include <exception>
 #include <iosfwd>
 #include <string_view>
 
@@ -18,7 +19,11 @@ public:
         : console(in, out), input(in), err_(err) {}
 
     // Writes a line to standard error, behind all output that came before it.
-    void diagnose(std::string_view line);
+    void diagnose(std::string_view line) { writeLine("", line); }
+    // The same for what is no error of a program, with the name of this one before it. Asks for no
+    // memory.
+    void complain(std::string_view problem) { writeLine("pellum: ", problem); }
+    void complain(const std::exception& failure);
     // The same for an error of a program: rendered, or "Error: " and the text of a thrown value.
     void diagnose(const PellumError& error, std::string_view source, std::string_view name);
     void diagnose(const ThrownValue& thrown);
@@ -27,6 +32,8 @@ public:
     std::istream& input;
 
 private:
+    void writeLine(std::string_view beginning, std::string_view rest);
+
     std::ostream& err_;
 };
 

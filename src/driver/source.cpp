@@ -31,18 +31,23 @@ std::optional<std::string> readSourceFile(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     if (!file) return std::nullopt;
     std::string text;
-    std::array<char, 1 << 16> chunk;
+    std::array<char, 1 << 14> chunk;
     do {
         file.read(chunk.data(), chunk.size());
         text.append(chunk.data(), static_cast<std::size_t>(file.gcount()));
-    } while (file);
+    } while (file && text.size() <= maxSourceLength);
     if (file.bad()) return std::nullopt;
     return text;
 }
 
 std::optional<std::string> readOrComplain(const std::string& path, Session& session) {
     auto text = readSourceFile(path);
-    if (!text) session.diagnose("pellum: cannot open " + path);
+    if (!text) {
+        session.complain("cannot open " + path);
+    } else if (text->size() > maxSourceLength) {
+        session.complain(path + " is longer than " + std::to_string(maxSourceLength) + " bytes");
+        return std::nullopt;
+    }
     return text;
 }
 

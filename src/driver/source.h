@@ -13,10 +13,14 @@ namespace pellum {
 // The engine that runs files and snippets.
 enum class Engine { VirtualMachine, TreeWalker };
 
-// The bytes of a file, or none when it cannot be opened and read to its end.
+// A source text has at most this many bytes, so that what is made of it fits into memory.
+inline constexpr std::size_t maxSourceLength = std::size_t{1} << 26;
+
+// The bytes of a file, or none when it cannot be opened and read to its end. Stops reading behind
+// maxSourceLength bytes, so that a longer result means that the file is too long.
 std::optional<std::string> readSourceFile(const std::string& path);
 
-// Reads a file; when that fails, says so and yields none.
+// Reads a file; when that fails, or the file is too long, says so and yields none.
 std::optional<std::string> readOrComplain(const std::string& path, Session& session);
 
 // Drives a source text through the whole pipeline and reports what it raises. `name` is the path as

@@ -1,0 +1,152 @@
+// Standard streams and arguments of a kind that a text cannot describe.
+#include "support/fifo_writer.h"
+#include "support/files.h"
+#include "support/process.h"
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <string>
+
+namespace fs = std::filesystem;
+
+namespace pellum::test {
+
+namespace {
+
+Process programOf(std::vector<std::string> arguments) {
+    Process process;
+    process.executable = PELLUM_EXECUTABLE;
+    process.arguments = std::move(arguments);
+    return process;
+}
+
+bool makeNonBlocking(int stream) {
+    const int flags = fcntl(stream, F_GETFL);
+    return flags >= 0 && fcntl(stream, F_SETFL, flags | O_NONBLOCK) == 0;
+}
+
+TEST(Streams, InputThatDoesNotBlockIsWaitedFor) {
+    for (const Engine engine : bothEngines) {
+        const TemporaryFolder folder;
+        const FifoWriter writer(folder.path() / "late", "first\nsecond", 300);
+        Process process = programOf(onEngine(engine, {"-c", "print(input(), input(), input())"}));
+        process.prepare = [&] {
+            const int fifo = open((folder.path() / "late").c_str(), O_RDONLY);
+            return dup2(fifo, STDIN_FILENO) == STDIN_FILENO && makeNonBlocking(STDIN_FILENO);
+        };
+        EXPECT_EQ(process.run(), (Outcome{0, "first second nil\n", ""}));
+    }
+}
+
+// The program prints faster than we read, so it meets a full pipe again and again.
+TEST(Streams, OutputThatDoesNotBlockIsComplete) {
+    for (const Engine engine : bothEngines) {
+        Process process = programOf(
+            onEngine(engine, {"-c",
+                              "for i = 1, 100000 do print(i) end\nprint(repeat(\"x\", 1000000))\n"
+                              "error(repeat(\"y\", 1000000))"}));
+        process.prepare = [] {
+            return makeNonBlocking(STDOUT_FILENO) && makeNonBlocking(STDERR_FILENO);
+        };
+        process.started = [](pid_t) { usleep(200'000); };
+        std::string wanted;
+        for (int i = 1; i <= 100'000; ++i) wanted += std::to_string(i) + "\n";
+        wanted += std::string(1'000'000, 'x') + "\n";
+        const Outcome outcome = process.run();
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_TRUE(outcome.output == wanted);
+        EXPECT_TRUE(outcome.errors == "Error: " + std::string(1'000'000, 'y') + "\n");
+    }
+}
+
+TEST(Streams, AReaderWhoLeavesEarlyEndsTheProgramQuietly) {
+    for (const Engine engine : bothEngines) {
+        Process process = programOf(onEngine(engine, {"-c", "while true do print(1) end"}));
+        process.readsOnce = true;
+        const Outcome outcome = process.run();
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_EQ(outcome.errors, "");
+    }
+}
+
+// The system may put an empty name into the place of the missing one.
+TEST(Arguments, NotEvenTheName) {
+    Process process = programOf({});
+    process.input = "1 + 1\n";
+    process.prepare = [] {
+        char* const none[] = {nullptr};
+        return execv(PELLUM_EXECUTABLE, none) == 0;
+    };
+    const Outcome outcome = process.run();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_TRUE(outcome.output.ends_with(">> 2\n>> \n")) << outcome.output;
+}
+
+TEST(Sources, ThatMayNotBeReadCannotBeOpened) {
+    const TemporaryFolder folder;
+    fs::permissions(folder.path(), fs::perms(0755));
+    writeFile(folder.path() / "secret", "print(1)");
+    fs::permissions(folder.path() / "secret", fs::perms::none);
+    Process process = programOf({"secret"});
+    process.folder = folder.path();
+    if (geteuid() == 0) {
+        constexpr uid_t nobody = 65534;
+        process.prepare = [] { return setgid(nobody) == 0 && setuid(nobody) == 0; };
+        // That user may not be able to reach the program itself.
+        Process version = process;
+        version.arguments = {"--version"};
+        if (version.run().status != 0) GTEST_SKIP() << "no other user can run the program here";
+    }
+    EXPECT_EQ(process.run(), (Outcome{1, "", "pellum: cannot open secret\n"}));
+}
+
+TEST(Sources, ThatAreTooLongByOneByte) {
+    constexpr std::size_t greatest = std::size_t{1} << 26;
+    const TemporaryFolder folder;
+    Process process = programOf({"source"});
+    process.folder = folder.path();
+    std::string text(greatest + 1, ' ');
+    text.replace(greatest - 8, 8, "print(1)");
+    writeFile(folder.path() / "source", text);
+    EXPECT_EQ(process.run(), (Outcome{1, "", "pellum: source is longer than 67108864 bytes\n"}));
+    text.pop_back();
+    writeFile(folder.path() / "source", text);
+    EXPECT_EQ(process.run(), (Outcome{0, "1\n", ""}));
+}
+
+// A file that another process writes anew all the time. Whatever is found in it, the end is one of
+// the two that there are.
+TEST(Sources, ThatChangeWhileTheyAreRead) {
+    const TemporaryFolder folder;
+    const std::string path = folder.path() / "source";
+    std::string text;
+    while (text.size() < 30'000) text += "print(1)\n";
+    writeFile(path, text);
+    const pid_t writer = fork();
+    ASSERT_GE(writer, 0);
+    if (writer == 0) {
+        const int file = open(path.c_str(), O_WRONLY);
+        for (std::size_t length = 0;; length = (length + 7'777) % text.size()) {
+            if (ftruncate(file, static_cast<off_t>(length)) != 0) _exit(1);
+            if (pwrite(file, text.data(), text.size(), 0) < 0) _exit(1);
+        }
+    }
+    Process process = programOf({"source"});
+    process.folder = folder.path();
+    for (int i = 0; i < 10; ++i) {
+        const int status = process.run().status;
+        EXPECT_TRUE(status == 0 || status == 1) << status;
+    }
+    kill(writer, SIGKILL);
+    waitpid(writer, nullptr, 0);
+}
+
+}  // namespace
+
+}  // namespace pellum::test
