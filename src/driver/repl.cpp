@@ -1,5 +1,6 @@
 #include "driver/repl.h"
 
+#include "driver/source.h"
 #include "interp/interpreter.h"
 #include "lexer/lexer.h"
 #include "parser/parser.h"
@@ -15,82 +16,9 @@ constexpr std::string_view freshPrompt = ">> ";
 constexpr std::string_view continuedPrompt = ".. ";
 constexpr std::string_view sourceName = "<repl>";
 
-class Repl {
-public:
-    explicit Repl(Session& session) : session_(session), interpreter_(session.console) {}
-
-    void run() {
-        session_.console.write("Pellum " + std::string(version) +
-                               "  --  type Ctrl-D (or 'exit') to quit\n");
-        for (;;) {
-            session_.console.write(isContinuing_ ? continuedPrompt : freshPrompt);
-            const auto line = session_.console.readLine();
-            if (!line) {
-                session_.console.write("\n");
-                return;
-            }
-            if (pending_.empty() && (*line == "exit" || *line == "quit")) return;
-            takeLine(*line);
-        }
-    }
-
-private:
-    void takeLine(const std::string& line) {
-        pending_ = pending_.empty() ? line : pending_ + "\n" + line;
-        try {
-            programs_.push_back(parse(tokenize(pending_)));
-        } catch (const PellumError& error) {
-            isContinuing_ = isIncomplete(pending_);
-            if (isContinuing_) return;
-            session_.diagnose(error, pending_, sourceName);
-            pending_.clear();
-            return;
-        } catch (const std::exception& failure) {
-            session_.diagnose(std::string("pellum: ") + failure.what());
-            isContinuing_ = false;
-            pending_.clear();
-            return;
-        }
-        isContinuing_ = false;
-        pending_.clear();
-        runInput(programs_.back());
-    }
-
-    void runInput(const Block& input) {
-        try {
-            const Value result = interpreter_.run(input);
-            if (!result.isNil()) session_.console.write(toReprString(result) + "\n");
-        } catch (const PellumError& error) {
-            session_.diagnose(error, "", sourceName);
-        } catch (const ThrownValue& thrown) {
-            session_.diagnose(thrown);
-        } catch (const std::exception& failure) {
-            session_.diagnose(std::string("pellum: ") + failure.what());
-        }
-    }
-
-    Session& session_;
-    std::deque<Block> programs_;  // of all inputs: functions made by them point into these
-    Interpreter interpreter_;
-    std::string pending_;  // the input so far, while a statement is open
-    bool isContinuing_ = false;
-};
-
-}  // namespace
-
-ExitStatus runRepl(Session& session) {
-    Repl(session).run();
-    return exitSuccess;
-}
-
-bool isIncomplete(std::string_view text) {
-    std::vector<Token> tokens;
-    try {
-        tokens = tokenize(text);
-    } catch (const PellumError&) {
-        return false;
-    }
-    int open = 0;
+// How many brackets and blocks the tokens open, less those that they close.
+std::int64_t constructsOpenedBy(const std::vector<Token>& tokens) {
+    std::int64_t open = 0;
     for (const Token& token : tokens) {
         switch (token.kind) {
             case TokenKind::LeftParen:
@@ -108,7 +36,119 @@ bool isIncomplete(std::string_view text) {
             default: break;
         }
     }
-    return open > 0;
+    return open;
+}
+
+// Lexes the code inside strings, which the parser does later, for what is no error of the program
+// and so must not wait for the rest of an open input: a number that no double holds.
+void checkInterpolations(const std::vector<Token>& tokens) {
+    for (const Token& token : tokens) {
+        for (const StringPart& piece : token.parts()) {
+            if (piece.kind != StringPart::Kind::Expression) continue;
+            try {
+                checkInterpolations(tokenize(piece.text));
+            } catch (const LexError&) {
+                // waits for the rest, as all errors of the program do
+            }
+        }
+    }
+}
+
+class Repl {
+public:
+    explicit Repl(Session& session) : session_(session), interpreter_(session.console) {}
+
+    ExitStatus run() {
+        session_.console.write("Pellum " + std::string(version) +
+                               "  --  type Ctrl-D (or 'exit') to quit\n");
+        for (;;) {
+            session_.console.write(openConstructs_ > 0 ? continuedPrompt : freshPrompt);
+            const auto line = session_.console.readLine();
+            if (!line) {
+                session_.console.write("\n");
+                return exitSuccess;
+            }
+            if (pending_.empty() && (*line == "exit" || *line == "quit")) return exitSuccess;
+            takeLine(*line);
+        }
+    }
+
+private:
+    void takeLine(const std::string& line) {
+        const std::size_t start = pending_.size();
+        if (start > 0) pending_ += '\n';
+        pending_ += line;
+        try {
+            if (pending_.size() > maxSourceLength) {
+                session_.complain("input longer than " + std::to_string(maxSourceLength) +
+                                  " bytes");
+            } else if (staysOpen(std::string_view(pending_).substr(start))) {
+                return;
+            } else {
+                runInput(parse(tokenize(pending_)));
+            }
+        } catch (const PellumError& error) {
+            session_.diagnose(error, pending_, sourceName);
+        } catch (const std::exception& failure) {
+            session_.complain(failure);
+        }
+        pending_.clear();
+        openConstructs_ = 0;
+    }
+
+    // Whether the input is open behind its newest line. No token reaches over the end of a line, so
+    // each line is counted once, however long the input gets.
+    bool staysOpen(std::string_view line) {
+        try {
+            const std::vector<Token> tokens = tokenize(line);
+            openConstructs_ += constructsOpenedBy(tokens);
+            if (openConstructs_ > 0) checkInterpolations(tokens);
+            return openConstructs_ > 0;
+        } catch (const LexError&) {
+            return false;  // the whole input will tell the place
+        }
+    }
+
+    void runInput(Block program) {
+        programs_.push_back(std::move(program));
+        try {
+            const Value result = interpreter_.run(programs_.back());
+            if (!result.isNil()) session_.console.write(toReprString(result) + "\n");
+        } catch (const PellumError& error) {
+            session_.diagnose(error, "", sourceName);
+        } catch (const ThrownValue& thrown) {
+            session_.diagnose(thrown);
+        } catch (const std::exception& failure) {
+            session_.complain(failure);
+        }
+        const bool makesFunctions = pending_.find("function") != pending_.npos;
+        if (!makesFunctions) programs_.pop_back();
+    }
+
+    Session& session_;
+    std::deque<Block> programs_;  // of inputs that make functions, which point into these
+    Interpreter interpreter_;
+    std::string pending_;              // the input so far, while a statement is open
+    std::int64_t openConstructs_ = 0;  // in pending_
+};
+
+}  // namespace
+
+ExitStatus runRepl(Session& session) {
+    try {
+        return Repl(session).run();
+    } catch (const LineTooLong&) {
+        session.complain("input line longer than " + std::to_string(maxLineLength) + " bytes");
+        return exitFailure;
+    }
+}
+
+bool isIncomplete(std::string_view text) {
+    try {
+        return constructsOpenedBy(tokenize(text)) > 0;
+    } catch (const PellumError&) {
+        return false;
+    }
 }
 
 }  // namespace pellum

@@ -1,7 +1,10 @@
 #include "driver/repl.h"
+#include "driver/source.h"
+#include "support/playing.h"
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <string_view>
 
 namespace pellum::test {
@@ -73,6 +76,25 @@ TEST(IsIncomplete, CodeInInterpolationsIsNotLookedAt) {
 TEST(IsIncomplete, WhatCannotBeLexedIsNotIncomplete) {
     expectNotIncomplete(
         {"(\"", "if 'open", "[ @", "( !", "{ 1e", "if x then\n\"${", "[\"\\q\"", "function \xFF"});
+}
+
+// Looked at anew with each of its lines, this would take hours.
+TEST(Repl, AnOpenInputOfManyLinesTakesTimeInProportion) {
+    constexpr int lines = 300'000;
+    std::string input = "let xs = [\n";
+    for (int i = 0; i < lines; ++i) input += "1, # one more\n";
+    input += "]\nlen(xs)\n";
+    const Outcome outcome = playInProcess({}, input);
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_TRUE(outcome.output.ends_with(".. >> 300000\n>> \n"));
+}
+
+TEST(Repl, AnInputThatIsTooLongIsForgotten) {
+    const std::string comment = "#" + std::string(maxSourceLength, 'x');
+    const Outcome outcome = playInProcess({}, "[\n" + comment + "\n1 + 1\n");
+    EXPECT_EQ(outcome.errors, "pellum: input longer than 67108864 bytes\n");
+    EXPECT_TRUE(outcome.output.ends_with("\n>> .. >> 2\n>> \n"));
+    EXPECT_EQ(outcome.status, 0);
 }
 
 }  // namespace
