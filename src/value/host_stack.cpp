@@ -76,8 +76,9 @@ StackBounds boundsOfThisThread(std::uintptr_t frame) noexcept {
 // REQUIRES: the address is between the bounds of the stack and what is in use.
 bool stackReaches(std::uintptr_t address) noexcept {
     constexpr std::uintptr_t alignment = 64;
-    return getrlimit(RLIMIT_STACK,
-                     reinterpret_cast<rlimit*>(address / alignment * alignment + alignment)) == 0;
+    const std::uintptr_t aligned = (address / alignment + 1) * alignment;
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): there is no object there yet to point to
+    return getrlimit(RLIMIT_STACK, reinterpret_cast<rlimit*>(aligned)) == 0;
 }
 
 #else
