@@ -12,11 +12,14 @@ namespace pellum {
 
 namespace {
 
-// Appends texts of values, walking nested containers with a stack of its own. Each container that
-// is being shown is marked, which is how one that holds itself is recognised.
+// A text that gets longer than this is counted before it is finished.
+constexpr std::size_t maxUncounted = std::size_t{4} << 20;
+
+// Appends the text of a value, walking nested containers with a stack of its own. Each container
+// that is being shown is marked, which is how one that holds itself is recognised.
 class TextWriter {
 public:
-    explicit TextWriter(std::string& out) noexcept : out_(out) {}
+    explicit TextWriter(std::string& out) noexcept : out_(out), start_(out.size()) {}
     TextWriter(const TextWriter&) = delete;
     TextWriter& operator=(const TextWriter&) = delete;
     ~TextWriter() {
@@ -24,6 +27,7 @@ public:
     }
 
     void writeRepr(const Value& value) {
+        whole_ = &value;
         open(value);
         while (!open_.empty()) next();
     }
@@ -37,16 +41,24 @@ private:
 
     // Writes a plain value whole, or the opening bracket of a container.
     void open(const Value& value) {
-        const std::size_t atLeast = value.isString() ? value.asText().size() : 0;
-        if (out_.size() + atLeast > maxStringLength) throw std::length_error("text");
         if (!value.isList() && !value.isMap()) {
-            value.isString() ? writeQuoted(value.asText()) : appendDisplay(out_, value);
+            writePlain(value);
         } else if (value.object()->isMarked()) {
             out_ += value.isList() ? "[...]" : "{...}";
         } else {
             open_.push_back({value.object(), value.isList(), 0});
             value.object()->mark();
             out_ += value.isList() ? '[' : '{';
+            countIfLong(0);
+        }
+    }
+
+    void writePlain(const Value& value) {
+        if (value.isString()) {
+            countIfLong(value.asText().size());
+            writeQuoted(value.asText());
+        } else {
+            appendDisplay(out_, value);
         }
     }
 
@@ -66,23 +78,28 @@ private:
             open(listOf(top).items[position]);
         } else {
             const MapData::Entry& entry = mapOf(top).entries()[position];
-            appendRepr(out_, entry.key);
+            writePlain(entry.key);
             out_ += ": ";
             open(entry.value);
         }
     }
 
+    // Containers that share their parts may have a text that is longer by far than they are large.
+    // One that is too long is refused here, before it has taken much time or memory.
+    void countIfLong(std::size_t nextAtLeast) {
+        if (isCounted_ || out_.size() - start_ + nextAtLeast <= maxUncounted) return;
+        isCounted_ = true;
+        const std::size_t length = start_ + reprLength(*whole_);
+        if (length > maxStringLength) throw std::length_error("text too long");
+        out_.reserve(length);
+    }
+
     void writeQuoted(std::string_view text) {
         out_ += '"';
         for (const char byte : text) {
-            switch (byte) {
-                case '\t': out_ += "\\t"; break;
-                case '\n': out_ += "\\n"; break;
-                case '\r': out_ += "\\r"; break;
-                case '"': out_ += "\\\""; break;
-                case '\\': out_ += "\\\\"; break;
-                default: out_ += byte;
-            }
+            const char letter = escapeLetter(byte);
+            if (letter) out_ += '\\';
+            out_ += letter ? letter : byte;
         }
         out_ += '"';
     }
@@ -95,6 +112,9 @@ private:
     }
 
     std::string& out_;
+    std::size_t start_;             // length of what was in `out_` before
+    const Value* whole_ = nullptr;  // what is to be shown
+    bool isCounted_ = false;
     std::vector<OpenContainer> open_;  // outermost first
 };
 

@@ -6,6 +6,8 @@
 
 #include "value/value.h"
 
+#include <span>
+
 namespace pellum {
 
 std::string toDisplayString(const Value& value);
@@ -15,9 +17,27 @@ std::string toReprString(const Value& value);
 void appendDisplay(std::string& out, const Value& value);
 void appendRepr(std::string& out, const Value& value);
 
+// How long the display forms of all `values` are together, and the repr form of one. That takes no
+// more time than the values are large, however often a text shows what they share; only where
+// containers hold each other in circles it takes as long as writing the text would.
+std::size_t displayLength(std::span<const Value> values);
+std::size_t reprLength(const Value& value);
+
 // `text` in double quotes; tab, line feed, carriage return, quote and backslash are escaped, every
 // other byte stays.
 std::string quoteString(std::string_view text);
+
+// What stands behind the backslash for a byte that is escaped in quotes, else 0.
+constexpr char escapeLetter(char byte) noexcept {
+    switch (byte) {
+        case '\t': return 't';
+        case '\n': return 'n';
+        case '\r': return 'r';
+        case '"':
+        case '\\': return byte;
+        default: return 0;
+    }
+}
 
 std::string formatInt(std::int64_t n);
 
