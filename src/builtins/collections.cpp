@@ -95,7 +95,8 @@ Value reverse(Caller&, Arguments& args) {
     const Value& x = args[0];
     if (x.isString()) {
         const std::string_view text = x.asText();
-        return Value(std::string(text.rbegin(), text.rend()));
+        return Value(StringObj::build(
+            text.size(), [&](char* to) { std::reverse_copy(text.begin(), text.end(), to); }));
     }
     const std::vector<Value>& elements = listArg(x, "reverse: expected a list or string");
     return makeList(std::vector<Value>(elements.rbegin(), elements.rend()));
@@ -127,14 +128,15 @@ Value repeat(Caller&, Arguments& args) {
     if (x.isString()) {
         const std::string_view unit = x.asText();
         const std::size_t length = repeatedLength(unit.size(), times, maxStringLength);
-        if (length == 0) return Value("");
-        std::string text;
-        text.reserve(length);
-        text = unit;
-        while (text.size() < length) {
-            text.append(text.data(), std::min(text.size(), length - text.size()));
-        }
-        return Value(text);
+        return Value(StringObj::build(length, [&](char* to) {
+            // What is there already is copied behind itself, twice as much each time.
+            std::copy(unit.begin(), unit.end(), to);
+            for (std::size_t done = unit.size(); done < length;) {
+                const std::size_t more = std::min(done, length - done);
+                std::copy_n(to, more, to + done);
+                done += more;
+            }
+        }));
     }
     require(x.isList(), "repeat: expected a string or list");
     const std::vector<Value>& unit = x.asList().items;

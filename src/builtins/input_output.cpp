@@ -1,12 +1,45 @@
 #include "builtins/families.h"
 
+#include "value/format.h"
+
+#include <algorithm>
+
 namespace pellum::library {
 
+namespace {
+
+// A string longer than this is written from where it is.
+constexpr std::size_t maxCopied = std::size_t{64} << 10;
+
+bool isLongString(const Value& value) {
+    return value.isString() && value.asText().size() > maxCopied;
+}
+
+// Prints piece by piece, since a copy of the whole line might need more memory than there is.
+void printLongStrings(Console& console, const Arguments& args) {
+    // What may fail comes before anything is written.
+    std::vector<std::string> texts(args.size());
+    for (std::size_t i = 0; i < args.size(); ++i) {
+        if (!args[i].isString()) texts[i] = toDisplayString(args[i]);
+    }
+    for (std::size_t i = 0; i < args.size(); ++i) {
+        if (i > 0) console.write(" ");
+        console.write(args[i].isString() ? args[i].asText() : std::string_view(texts[i]));
+    }
+    console.write("\n");
+}
+
+}  // namespace
+
 Value print(Caller& caller, Arguments& args) {
+    if (std::ranges::any_of(args, isLongString)) {
+        printLongStrings(caller.console(), args);
+        return Value();
+    }
     std::string line;
     for (std::size_t i = 0; i < args.size(); ++i) {
         if (i > 0) line += ' ';
-        line += DisplayText(args[i]).view();
+        appendDisplay(line, args[i]);
     }
     line += '\n';
     caller.console().write(line);

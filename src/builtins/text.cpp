@@ -19,6 +19,19 @@ char lowerByte(char byte) noexcept {
     return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
 }
 
+// Returns where the next text goes.
+char* copyTo(char* to, std::string_view text) noexcept {
+    return std::copy(text.begin(), text.end(), to);
+}
+
+// The display form of a value with every byte changed.
+Value mapBytes(const Value& value, char (*change)(char) noexcept) {
+    const DisplayText given(value);
+    const std::string_view text = given.view();
+    return Value(StringObj::build(
+        text.size(), [&](char* to) { std::transform(text.begin(), text.end(), to, change); }));
+}
+
 // Calls `visit` with each word: whatever stands between runs of white space.
 template <typename Visit>
 void forEachWord(std::string_view text, Visit visit) {
@@ -57,22 +70,16 @@ Value listOfTexts(std::size_t mostPossible, ForEach forEach) {
 
 }  // namespace
 
-Value upper(Caller&, Arguments& args) {
-    std::string text = toDisplayString(args[0]);
-    std::transform(text.begin(), text.end(), text.begin(), upperByte);
-    return Value(text);
-}
-
-Value lower(Caller&, Arguments& args) {
-    std::string text = toDisplayString(args[0]);
-    std::transform(text.begin(), text.end(), text.begin(), lowerByte);
-    return Value(text);
-}
+Value upper(Caller&, Arguments& args) { return mapBytes(args[0], upperByte); }
+Value lower(Caller&, Arguments& args) { return mapBytes(args[0], lowerByte); }
 
 Value capitalize(Caller&, Arguments& args) {
-    std::string text = toDisplayString(args[0]);
-    if (!text.empty()) text.front() = upperByte(text.front());
-    return Value(text);
+    const DisplayText given(args[0]);
+    const std::string_view text = given.view();
+    return Value(StringObj::build(text.size(), [&](char* to) {
+        copyTo(to, text);
+        if (!text.empty()) *to = upperByte(*to);
+    }));
 }
 
 Value trim(Caller&, Arguments& args) {
@@ -101,18 +108,23 @@ Value join(Caller&, Arguments& args) {
     const DisplayText given(args.size() > 1 ? args[1] : noSeparator);
     const std::string_view separator = given.view();
 
-    // What is known of the length before any text is made: all but the texts of other kinds.
-    std::size_t length = elements.empty() ? 0 : separator.size() * (elements.size() - 1);
-    for (const Value& element : elements) {
-        if (element.isString()) length += element.asText().size();
+    // Counted before any text is made: a few elements may show as more than a string holds.
+    const std::size_t separators = elements.empty() ? 0 : elements.size() - 1;
+    const std::size_t length = displayLength(elements) + separator.size() * separators;
+    if (std::ranges::all_of(elements, &Value::isString)) {
+        return Value(StringObj::build(length, [&](char* to) {
+            for (std::size_t i = 0; i < elements.size(); ++i) {
+                if (i > 0) to = copyTo(to, separator);
+                to = copyTo(to, elements[i].asText());
+            }
+        }));
     }
     checkStringLength(length);
     std::string joined;
     joined.reserve(length);
     for (std::size_t i = 0; i < elements.size(); ++i) {
         if (i > 0) joined += separator;
-        joined += DisplayText(elements[i]).view();
-        checkStringLength(joined.size());
+        appendDisplay(joined, elements[i]);
     }
     return Value(joined);
 }
@@ -137,13 +149,13 @@ Value replace(Caller&, Arguments& args) {
         length = kept + (pieces - 1) * newPart.size();
         checkStringLength(length);
     }
-    std::string result;
-    result.reserve(length);
-    forEachPiece(text, oldPart, [&](std::string_view piece) {
-        if (piece.data() != text.data()) result += newPart;
-        result += piece;
-    });
-    return Value(result);
+    return Value(StringObj::build(length, [&](char* start) {
+        char* to = start;
+        forEachPiece(text, oldPart, [&](std::string_view piece) {
+            if (piece.data() != text.data()) to = copyTo(to, newPart);
+            to = copyTo(to, piece);
+        });
+    }));
 }
 
 Value startsWith(Caller&, Arguments& args) {

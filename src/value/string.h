@@ -19,6 +19,20 @@ public:
     // std::bad_alloc when memory is refused, as do all functions below that make strings.
     static Ref<StringObj> make(std::string_view text);
 
+    // A new string of `length` bytes, all of which `fill` writes from the pointer that it is given.
+    template <typename Fill>
+    static Ref<StringObj> build(std::size_t length, Fill fill) {
+        if (length == 0) return empty();
+        if (length == 1) {
+            char byte = 0;
+            fill(&byte);
+            return oneByte(static_cast<unsigned char>(byte));
+        }
+        Ref<StringObj> string = makeUninitialized(length);
+        fill(const_cast<char*>(string->bytes_));
+        return string;
+    }
+
     std::string_view view() const noexcept { return {bytes_, length_}; }
     std::size_t length() const noexcept { return length_; }
 
