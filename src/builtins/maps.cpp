@@ -6,7 +6,7 @@ namespace {
 
 // A list with one element for each entry, in entry order.
 template <typename Choose>
-Value listOfEntries(const MapData& map, Choose choose) {
+Value listOfEntries(MapData& map, Choose choose) {
     checkListLength(map.size());
     std::vector<Value> elements;
     elements.reserve(map.size());

@@ -107,8 +107,8 @@ private:
     static const ListObj& listOf(const OpenContainer& open) noexcept {
         return static_cast<const ListObj&>(*open.container);
     }
-    static const MapData& mapOf(const OpenContainer& open) noexcept {
-        return static_cast<const MapData&>(*open.container);
+    static MapData& mapOf(const OpenContainer& open) noexcept {
+        return static_cast<MapData&>(*open.container);
     }
 
     std::string& out_;

@@ -1,6 +1,7 @@
 // The storage of a map: key/value pairs in insertion order. Lookup scans while the map is small;
-// a larger map also keeps an index from key to position, so that the cost of a lookup does not
-// grow with the map. Order, key equality and every result are those of the plain scan.
+// a larger map also keeps an index from key to position, and leaves gaps where entries are removed,
+// so that neither looking up nor adding nor removing costs more as the map grows. Order, key
+// equality and every result are those of the plain scan.
 #pragma once
 
 #include "value/value.h"
@@ -14,9 +15,13 @@ public:
         Value value;
     };
 
-    // In order of first insertion. Replacing a value never moves its entry.
-    const std::vector<Entry>& entries() const noexcept { return entries_; }
-    std::size_t size() const noexcept { return entries_.size(); }
+    // In order of first insertion. Replacing a value never moves its entry. Closes the gaps that
+    // removals have left, so that whoever walks the entries meets none.
+    const std::vector<Entry>& entries() noexcept {
+        if (gaps_ > 0) closeGaps();
+        return entries_;
+    }
+    std::size_t size() const noexcept { return entries_.size() - gaps_; }
 
     // The value under the first key that is keysEqual to `key`, or null. The pointer is valid until
     // the map next changes.
@@ -33,7 +38,8 @@ public:
         return entry.key.isString() && entry.key.object() == key ? &entry.value : nullptr;
     }
 
-    // The position of the entry whose value `find` has just yielded.
+    // The position of the entry whose value `find` has just yielded. Later entries may take it over
+    // when gaps are closed.
     std::size_t positionOf(const Value* found) const noexcept {
         const auto* start = reinterpret_cast<const char*>(entries_.data());
         return static_cast<std::size_t>(reinterpret_cast<const char*>(found) - start) /
@@ -43,12 +49,11 @@ public:
     // Replaces the value under `key`, keeping the key as first stored, or appends an entry.
     void set(const Value& key, Value&& value);
 
-    // Removes the entry under `key`, keeping the order of the others; false if there is none. The
-    // cost is that of moving the entries behind it.
-    bool remove(const Value& key);
+    // Removes the entry under `key`, keeping the order of the others; false if there is none.
+    bool remove(const Value& key) noexcept;
 
     // A new map with the same entries in the same order; keys and values are shared.
-    Ref<MapData> copy() const;
+    Ref<MapData> copy();
 
 private:
     static constexpr std::size_t npos = static_cast<std::size_t>(-1);
@@ -60,11 +65,14 @@ private:
     };
 
     std::size_t findPosition(const Value& key) const noexcept;
+    bool needsIndexFor(std::size_t count) const noexcept;
     void addToIndex(std::size_t position) noexcept;
     void rebuildIndex(std::size_t slotCount);
+    void closeGaps() noexcept;
 
     std::vector<Entry> entries_;
     std::vector<Slot> slots_;  // empty while the map is small, else a power of two
+    std::size_t gaps_ = 0;     // entries that have been removed; none while there is no index
 };
 
 inline Value::Value(Ref<MapData> map) noexcept : Value(ValueKind::Map, map.leak()) {}

@@ -1,6 +1,7 @@
 #include "value/parse_number.h"
 
 #include <charconv>
+#include <cmath>
 #include <limits>
 #include <system_error>
 
@@ -65,6 +66,8 @@ ParsedFloat parseFloatPrefix(std::string_view text) {
     if (end == first) return {};
     const auto consumed = static_cast<std::size_t>(end - text.data());
     if (error == std::errc::result_out_of_range) return {0, consumed, true};
+    // Whatever stands in the brackets of "nan(...)", there is one NaN.
+    if (std::isnan(magnitude)) magnitude = std::numeric_limits<double>::quiet_NaN();
     return {lead.isNegative ? -magnitude : magnitude, consumed, false};
 }
 

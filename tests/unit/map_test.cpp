@@ -1,5 +1,6 @@
 #include "value/map.h"
 
+#include "value/parse_number.h"
 #include "value/string.h"
 
 #include <gtest/gtest.h>
@@ -293,6 +294,64 @@ TEST(Map, AgreesWithAPlainScan) {
             ASSERT_EQ(entry.value.asInt(), plain.entries[i].value.asInt());
         }
     }
+}
+
+// Removals leave gaps, which are closed now and then; nobody may meet one.
+TEST(Map, AgreesWithAPlainScanThroughWavesOfRemovals) {
+    std::mt19937_64 random(2718);
+    const auto map = makeRef<MapData>();
+    PlainMap plain;
+    for (int step = 0; step < 20'000; ++step) {
+        const bool isFalling = step / 1000 % 2 == 1;
+        const Value key(static_cast<std::int64_t>(random() % 500));
+        if (random() % 10 < (isFalling ? 9U : 1U)) {
+            ASSERT_EQ(map->remove(key), plain.remove(key)) << step;
+        } else {
+            map->set(key, Value(step));
+            plain.set(key, Value(step));
+        }
+        ASSERT_EQ(map->size(), plain.entries.size()) << step;
+        const Value asked(static_cast<std::int64_t>(random() % 500));
+        ASSERT_EQ(map->find(asked) != nullptr, plain.find(asked) != nullptr) << step;
+        if (random() % 100 > 0) continue;
+        const auto shown = random() % 2 ? map->copy() : map;
+        ASSERT_EQ(shown->entries().size(), plain.entries.size()) << step;
+        for (std::size_t i = 0; i < plain.entries.size(); ++i) {
+            ASSERT_TRUE(valuesEqual(shown->entries()[i].key, plain.entries[i].key)) << step;
+            ASSERT_TRUE(valuesEqual(shown->entries()[i].value, plain.entries[i].value)) << step;
+        }
+    }
+}
+
+TEST(Map, NaNKeysStayWhereEntriesAreRemoved) {
+    const auto map = filledMap(50);
+    for (const char* text : {"nan", "-nan", "nan(7061676500000)", "nan(0x70616765)"}) {
+        map->set(Value(parseFloatPrefix(text).value), Value(text));
+    }
+    for (int i = 0; i < 50; ++i) EXPECT_TRUE(map->remove(Value("other " + std::to_string(i))));
+    ASSERT_EQ(map->size(), 4u);
+    std::string values;
+    for (const MapData::Entry& entry : map->entries()) {
+        EXPECT_TRUE(entry.key.isFloat() && std::isnan(entry.key.asFloat()));
+        values += std::string(entry.value.asText()) + " ";
+    }
+    EXPECT_EQ(values, "nan -nan nan(7061676500000) nan(0x70616765) ");
+}
+
+TEST(Map, APositionIsGoodForItsKeyAlone) {
+    const auto map = filledMap(20);
+    const Value key("other 15");
+    const Object* const sameKey = map->entries()[15].key.object();
+    const std::size_t position = map->positionOf(map->find(key));
+    ASSERT_EQ(position, 15u);
+    EXPECT_EQ(map->valueAt(position, sameKey), map->find(key));
+    for (int i = 0; i < 5; ++i) map->remove(Value("other " + std::to_string(i)));
+    EXPECT_EQ(map->valueAt(position, sameKey), map->find(key));
+    EXPECT_EQ(map->entries()[10].value.asInt(), 15);  // closes the gaps
+    EXPECT_EQ(map->valueAt(position, sameKey), nullptr);
+    EXPECT_EQ(map->positionOf(map->find(key)), 10u);
+    map->remove(key);
+    EXPECT_EQ(map->valueAt(10, sameKey), nullptr);
 }
 
 TEST(Map, AHundredThousandEntriesAreFoundInOrder) {
