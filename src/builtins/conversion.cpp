@@ -30,18 +30,30 @@ Value parseWholeNumber(std::string_view text) {
     return parsed ? Value(*parsed) : Value();
 }
 
+// The text as it is, not in repr form. A message is a string to whoever catches it, so one that
+// would be too long is refused like any other.
+std::string inQuotes(std::string_view text) {
+    constexpr std::size_t roomForTheRest = 64;
+    checkStringLength(text.size() + roomForTheRest);
+    std::string quoted;
+    quoted.reserve(text.size() + roomForTheRest);
+    quoted += '"';
+    quoted += text;
+    quoted += '"';
+    return quoted;
+}
+
 [[noreturn]] void failConversion(const char* name, const Value& given, const char* target) {
     std::string message(name);
     message += ": cannot convert ";
     if (given.isString()) {
-        // As it is, not in repr form.
-        message += '"';
-        message += given.asText();
-        message += '"';
+        message += inQuotes(given.asText());
     } else {
         message += typeName(given);
     }
-    throw RuntimeError(message + " to " + target);
+    message += " to ";
+    message += target;
+    throw RuntimeError(std::move(message));
 }
 
 Value inBase(std::int64_t n, int base, std::string_view prefix) {
@@ -105,7 +117,7 @@ Value parseInt(Caller&, Arguments& args) {
         const bool isWhole = text.find_first_not_of(whiteSpace, parsed.consumed) == text.npos;
         if (parsed.consumed > 0 && isWhole && !parsed.outOfRange) return Value(parsed.value);
     }
-    throw RuntimeError("parse_int: invalid integer \"" + std::string(text) + "\"");
+    throw RuntimeError("parse_int: invalid integer " + inQuotes(text));
 }
 
 Value hex(Caller&, Arguments& args) { return inBase(truncatedArg(args[0], "hex"), 16, "0x"); }
