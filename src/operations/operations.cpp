@@ -197,6 +197,9 @@ std::vector<Value> elementsToVisit(const Value& iterable, Position at) {
     switch (iterable.kind()) {
         case ValueKind::List: return iterable.asList().items;
         case ValueKind::String:
+            if (iterable.asText().size() > maxListLength) {
+                throw RuntimeError("cannot iterate over string: too long", at);
+            }
             elements.reserve(iterable.asText().size());
             for (const char byte : iterable.asText()) {
                 elements.emplace_back(StringObj::oneByte(static_cast<unsigned char>(byte)));
