@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstring>
+#include <exception>
 #include <new>
 #include <random>
 #include <stdexcept>
@@ -162,6 +164,20 @@ std::uint64_t mix(std::uint64_t a, std::uint64_t b) noexcept {
     return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
 }
 
+// What nobody can guess who chooses keys.
+std::array<std::uint64_t, 2> makeSeed() noexcept {
+    try {
+        std::random_device device;
+        const auto word = [&] { return (std::uint64_t{device()} << 32 | device()) | 1; };
+        return {word(), word()};
+    } catch (const std::exception&) {
+        // There is no source of randomness. When and where this run takes place is the next best.
+        const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
+        const auto place = reinterpret_cast<std::uintptr_t>(&now);
+        return {static_cast<std::uint64_t>(now) | 1, std::uint64_t{place} * 0x9E37'79B9 | 1};
+    }
+}
+
 std::uint64_t loadUpTo8(const char* bytes, std::size_t count) noexcept {
     std::uint64_t word = 0;
     std::memcpy(&word, bytes, count);
@@ -171,11 +187,7 @@ std::uint64_t loadUpTo8(const char* bytes, std::size_t count) noexcept {
 }  // namespace
 
 std::uint32_t hashBytes(std::string_view bytes) noexcept {
-    static const std::array<std::uint64_t, 2> seed = [] {
-        std::random_device device;
-        const auto word = [&] { return (std::uint64_t{device()} << 32 | device()) | 1; };
-        return std::array{word(), word()};
-    }();
+    static const std::array<std::uint64_t, 2> seed = makeSeed();
     std::uint64_t state = seed[0] ^ bytes.size();
     const char* at = bytes.data();
     std::size_t left = bytes.size();
