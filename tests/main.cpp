@@ -54,6 +54,7 @@ int main(int argc, char** argv) {
     std::filesystem::current_path(PELLUM_ROOT);
     registerLanguageCases();
     registerExamples();
+    registerBenchmarks();
     registerTranscripts();
     registerCommandLineCases();
     registerListings();

@@ -5,6 +5,7 @@ namespace pellum::test {
 
 void registerLanguageCases();     // tests/{lang,errors,limits,builtins,regression}/**/*.pellum
 void registerExamples();          // examples/*.plm
+void registerBenchmarks();        // bench/programs, bench/scaling
 void registerTranscripts();       // tests/repl/*.transcript
 void registerCommandLineCases();  // tests/cli/*.case
 void registerListings();          // tests/listings/*.listing

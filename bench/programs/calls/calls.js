@@ -1,0 +1,6 @@
+function fib(n) {
+    if (n < 2) return n;
+    return fib(n - 1) + fib(n - 2);
+}
+
+console.log(fib(Number(require("fs").readFileSync(0))));
