@@ -44,11 +44,12 @@ def install(peers):
 
 
 def version(language):
-    """The language's name and the first number in what it says about itself."""
+    """The language's name, the first number in what it says about itself, and its options."""
     option = "-v" if language.extension == "lua" else "--version"
     done = subprocess.run([*language.command, option], check=True, text=True,
                           stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
-    return f"{language.name} ({re.search('[0-9][0-9.]*', done.stdout)[0]})"
+    words = [re.search("[0-9][0-9.]*", done.stdout)[0], *language.command[1:]]
+    return f"{language.name} ({' '.join(words)})"
 
 
 @dataclass(frozen=True)

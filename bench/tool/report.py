@@ -86,10 +86,16 @@ def startup(times, goals):
         goals.at_most("start-up against lua5.4", 1.3, times["pellum"] / times["lua5.4"])
 
 
-def growth(pairs, goals):
+def growth(ratios, front_end, goals):
+    """`ratios` maps the name of each program to its growth in pellum and in lua5.4. What no longer
+    fits into a cache costs more in any language, so both must be exceeded, 11 and lua5.4's."""
     print("How much longer ten times as much takes:\n")
-    table(("what", "times"), [(name, f"{ratio:.1f}") for name, ratio in pairs])
-    goals.none("cost that grows more than 11-fold", [name for name, ratio in pairs if ratio > 11])
+    rows = [(name, f"{this:.1f}", f"{peer:.1f}") for name, (this, peer) in ratios.items()]
+    table(("what", "pellum", "lua5.4"), [*rows, ("front_end", f"{front_end:.1f}", "")])
+    steep = [name for name, (this, peer) in ratios.items() if this > 11 and this > 1.1 * peer]
+    if front_end > 11:
+        steep.append("front_end")
+    goals.none("cost that grows more than 11-fold, and more than in lua5.4", steep)
 
 
 def comparison(unit, amounts):

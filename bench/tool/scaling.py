@@ -6,7 +6,7 @@ import tempfile
 from programs import BENCH
 
 SMALL = 1000
-LARGE = 10 * SMALL
+LARGE = 10 * SMALL  # small enough for most to stay in the processor's caches
 ENOUGH = 0.05  # seconds that a measurement should take at least
 
 
@@ -23,23 +23,26 @@ def startups(languages, launcher, runs):
     return {language.name: min(times) for language, times in zip(languages, zip(*rounds))}
 
 
-def data_growth(pellum, launcher, runs):
-    """Pairs of a program's name and how much longer ten times as much data takes. A program works
-    through n items some number of times; with ten times the items it gets a tenth of the rounds, so
-    that starting up and the memory in use weigh the same."""
-    growth = []
+def growth(command, launcher, runs):
+    """How much longer a program takes for ten times as much data. It works through n items some
+    number of times; with ten times the items it gets a tenth of the rounds, so that starting up and
+    asking the system for memory weigh the same."""
+    rounds = 10
+    while launcher.run(command, f"{SMALL}\n{rounds}").cpu < ENOUGH:
+        rounds *= 2
+    small, large = [], []
+    for _ in range(runs):
+        small.append(launcher.run(command, f"{SMALL}\n{rounds}").cpu)
+        large.append(launcher.run(command, f"{LARGE}\n{rounds // 10}").cpu)
+    return 10 * min(large) / min(small)
+
+
+def data_growth(languages, launcher, runs):
+    """The growth of each program under scaling/, by its name, for each language."""
     folder = os.path.join(BENCH, "scaling")
-    for file in sorted(os.listdir(folder)):
-        command = [*pellum.command, os.path.join(folder, file)]
-        rounds = 10
-        while launcher.run(command, f"{SMALL}\n{rounds}").cpu < ENOUGH:
-            rounds *= 2
-        small, large = [], []
-        for _ in range(runs):
-            small.append(launcher.run(command, f"{SMALL}\n{rounds}").cpu)
-            large.append(launcher.run(command, f"{LARGE}\n{rounds // 10}").cpu)
-        growth.append((os.path.splitext(file)[0], 10 * min(large) / min(small)))
-    return growth
+    names = sorted({os.path.splitext(file)[0] for file in os.listdir(folder)})
+    return {name: [growth([*language.command, os.path.join(folder, f"{name}.{language.extension}")],
+                          launcher, runs) for language in languages] for name in names}
 
 
 FUNCTION = '''\

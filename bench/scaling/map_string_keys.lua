@@ -1,0 +1,8 @@
+local function run(n)
+    local numbers = {}
+    for i = 1, n do numbers["key" .. i] = i end
+    for i = 1, n do assert(numbers["key" .. i] == i) end
+end
+
+local n = tonumber(io.read())
+for _ = 1, tonumber(io.read()) do run(n) end
