@@ -2,6 +2,8 @@
 
 #include "value/format.h"
 
+#include <algorithm>
+
 namespace pellum {
 
 namespace {
@@ -10,7 +12,7 @@ std::string padLeft(const std::string& text, std::size_t width) {
     return text.size() < width ? std::string(width - text.size(), ' ') + text : text;
 }
 std::string padRight(std::string text, std::size_t width) {
-    if (text.size() < width) text.resize(width, ' ');
+    text.resize(std::max(text.size(), width), ' ');
     return text;
 }
 
@@ -23,7 +25,7 @@ std::string counted(std::size_t count, const char* what) {
 std::string operandText(const FunctionProto& proto, Operand kind, const std::uint8_t* operand,
                         std::size_t next) {
     switch (kind) {
-        case Operand::None: return "";
+        case Operand::None: break;
         case Operand::U8: return std::to_string(*operand);
         case Operand::U16: return std::to_string(readU16(operand));
         case Operand::Constant: {
@@ -59,10 +61,9 @@ std::string disassembleInstruction(const FunctionProto& proto, std::size_t offse
     std::string out = padLeft(std::to_string(offset), 5) + " ";
     if (byte >= opInfo.size()) return out + "byte " + std::to_string(byte);
     const OpInfo& info = opInfo[byte];
-    if (info.operand == Operand::None) return out + info.name;
     const std::size_t next = offset + 1 + operandSize(info.operand);
-    return out + padRight(info.name, 15) +
-           operandText(proto, info.operand, &proto.code[offset] + 1, next);
+    const std::string operand = operandText(proto, info.operand, &proto.code[offset] + 1, next);
+    return out + (operand.empty() ? info.name : padRight(info.name, 15) + operand);
 }
 
 std::string disassemble(const FunctionProto& proto) {

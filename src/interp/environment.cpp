@@ -44,12 +44,6 @@ Value* Environment::lookup(const Symbol& name) noexcept {
     return nullptr;
 }
 
-bool Environment::assign(const Symbol& name, Value value) {
-    Value* found = lookup(name);
-    if (found) *found = std::move(value);
-    return found != nullptr;
-}
-
 void Environment::clear() noexcept {
     // The values die after the bindings are gone, in case their end reaches this scope again.
     const std::vector<Binding> dying = std::exchange(bindings_, {});

@@ -21,9 +21,6 @@ public:
     // The pointer is valid until that scope next defines a name.
     Value* lookup(const Symbol& name) noexcept;
 
-    // Replaces the value bound to `name` where `lookup` finds it; false when nothing binds it.
-    bool assign(const Symbol& name, Value value);
-
     // Forgets all bindings of this scope, so that an iteration can reuse what nobody has captured.
     void clear() noexcept;
 

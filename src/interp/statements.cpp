@@ -87,9 +87,9 @@ Interpreter::Completion Interpreter::exec(const Stmt& stmt, Environment& scope, 
         case StmtKind::Return: return execReturn(as<ReturnStmt>(stmt), scope, exit);
         case StmtKind::Break: exit.from = &stmt; return Completion::Break;
         case StmtKind::Continue: exit.from = &stmt; return Completion::Continue;
-        case StmtKind::Try: return execTry(as<TryStmt>(stmt), scope, exit);
+        case StmtKind::Try: break;
     }
-    return Completion::Normal;
+    return execTry(as<TryStmt>(stmt), scope, exit);
 }
 
 Interpreter::Completion Interpreter::execStatements(const Block& block, Environment& scope,

@@ -30,11 +30,10 @@ Value intArithmetic(ArithmeticOp op, std::int64_t a, std::int64_t b, Position at
         case ArithmeticOp::Modulo:
             if (b == 0) throw RuntimeError("modulo by zero", at);
             return Value(truncatedRemainder(a, b));
-        case ArithmeticOp::Power:
-            if (b < 0) return Value(std::pow(static_cast<double>(a), static_cast<double>(b)));
-            return Value(intPower(a, b));
+        case ArithmeticOp::Power: break;
     }
-    return {};
+    if (b < 0) return Value(std::pow(static_cast<double>(a), static_cast<double>(b)));
+    return Value(intPower(a, b));
 }
 
 Value floatArithmetic(ArithmeticOp op, double a, double b, Position at) {
@@ -51,9 +50,9 @@ Value floatArithmetic(ArithmeticOp op, double a, double b, Position at) {
         case ArithmeticOp::Modulo:
             if (b == 0) throw RuntimeError("modulo by zero", at);
             return Value(truncatedRemainder(a, b));
-        case ArithmeticOp::Power: return Value(std::pow(a, b));
+        case ArithmeticOp::Power: break;
     }
-    return {};
+    return Value(std::pow(a, b));
 }
 
 void concatenateStrings(Value& left, const Value& right) {
@@ -83,9 +82,9 @@ bool holds(Comparison comparison, const T& a, const T& b) noexcept {
         case Comparison::Less: return a < b;
         case Comparison::LessEqual: return a <= b;
         case Comparison::Greater: return a > b;
-        case Comparison::GreaterEqual: return a >= b;
+        case Comparison::GreaterEqual: break;
     }
-    return false;
+    return a >= b;
 }
 
 Value characterAt(const Value& string, const Value& index, Position at) {

@@ -50,9 +50,9 @@ const char* typeName(const Value& value) noexcept {
         case ValueKind::Map: return "map";
         case ValueKind::Function:
         case ValueKind::Native:
-        case ValueKind::Closure: return "function";
+        case ValueKind::Closure: break;
     }
-    return "unknown";
+    return "function";
 }
 
 Value makeList(std::vector<Value> elements) { return Value(makeRef<ListObj>(std::move(elements))); }

@@ -1,28 +1,23 @@
 #include "vm/depth_analysis.h"
 
 #include <algorithm>
-#include <map>
 
 namespace pellum {
 
 namespace {
 
-// The `try`s around an instruction, as a number; 0 is none. Each is known by its handler's place
-// and the ones around it.
+// The `try`s around an instruction, as a number; 0 is none. The scan comes to each `try` once.
 class Nestings {
 public:
-    std::int32_t enter(std::int32_t outer, std::size_t tryOffset) {
-        const auto [found, isNew] =
-            numbers_.try_emplace({outer, tryOffset}, static_cast<std::int32_t>(outers_.size()));
-        if (isNew) outers_.push_back(outer);
-        return found->second;
+    std::int32_t enter(std::int32_t outer) {
+        outers_.push_back(outer);
+        return static_cast<std::int32_t>(outers_.size()) - 1;
     }
     std::int32_t leave(std::int32_t nesting) const {
         return outers_[static_cast<std::size_t>(nesting)];
     }
 
 private:
-    std::map<std::pair<std::int32_t, std::size_t>, std::int32_t> numbers_;
     std::vector<std::int32_t> outers_ = {-1};
 };
 
@@ -140,7 +135,7 @@ private:
             case OpCode::TRY_BEGIN:
                 result_.hasHandlers = true;
                 reach(next + u16, depth + 1, nesting);
-                return reach(next, depth, known_.enter(nesting, offset));
+                return reach(next, depth, known_.enter(nesting));
             case OpCode::TRY_END:
                 if (nesting == 0) {
                     isRegular_ = false;

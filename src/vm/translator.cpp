@@ -198,9 +198,9 @@ private:
         switch (entry.where) {
             case Entry::Where::Slot: return {false, position, nullptr, entry.mayBeReference};
             case Entry::Where::Local: return {false, entry.local, nullptr, false};
-            case Entry::Where::Pointer: return {true, 0, entry.pointer, false};
+            case Entry::Where::Pointer: break;
         }
-        return {};
+        return {true, 0, entry.pointer, false};
     }
     Operand popOperand() {
         const Operand operand = operandAt(depth() - 1);

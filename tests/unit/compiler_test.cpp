@@ -251,5 +251,14 @@ TEST(Disassembler, ShowsWhatTheCompilerNeverEmits) {
               "   |     3 NIL\n");
 }
 
+TEST(Disassembler, WideNumbersMoveTheRestAside) {
+    const auto proto = makeRef<FunctionProto>();
+    proto->code.assign(100'001, 1);
+    proto->lines.assign(100'000, 1);
+    proto->lines.push_back(12'345);
+    const std::string listing = disassemble(*proto);
+    EXPECT_TRUE(listing.ends_with("   | 99999 NIL\n12345 100000 NIL\n"));
+}
+
 }  // namespace
 }  // namespace pellum

@@ -1,5 +1,6 @@
 // Limits that only large programs reach: each at the last size that works and the first that does
 // not. The sources are made here, since they are up to a megabyte long.
+#include "support/small_stack.h"
 #include "unit/running.h"
 
 #include <gtest/gtest.h>
@@ -13,6 +14,7 @@ using test::compiling;
 using test::ending;
 using test::errorOf;
 using test::MemoryConsole;
+using test::onSmallStack;
 using test::onTree;
 using test::onVm;
 
@@ -416,6 +418,18 @@ constexpr int deepCalls = 5'000;
 #else
 constexpr int deepCalls = 20'000;
 #endif
+
+TEST(Limits, SumsTooLongForTheHostStack) {
+    const auto sum = [](std::size_t terms) { return "nil" + repeated("+nil", terms - 1); };
+    std::string vm, tree;
+    onSmallStack([&] { vm = onVm(sum(30'000)), tree = onTree(sum(30'000)); });
+    EXPECT_TRUE(vm.starts_with("compile error 1:")) << vm;
+    EXPECT_TRUE(vm.ends_with(": nesting too deep")) << vm;
+    EXPECT_TRUE(tree.ends_with(": call stack overflow (too much recursion)")) << tree;
+    onSmallStack([&] { vm = onVm(sum(100)), tree = onTree(sum(100)); });
+    EXPECT_EQ(vm, "runtime error 1:0: cannot add nil and nil");
+    EXPECT_EQ(tree, "runtime error 1:4: cannot add nil and nil");
+}
 
 TEST(Limits, DeepCallsOfTheTreeWalker) {
     // Each call stands inside statements and expressions, which take host stack as well.

@@ -2,13 +2,11 @@
 
 #include "driver/errors/errors.h"
 #include "lexer/lexer.h"
+#include "support/small_stack.h"
 #include "unit/tree_text.h"
 
 #include <gtest/gtest.h>
 
-#include <pthread.h>
-
-#include <functional>
 #include <stdexcept>
 #include <string>
 
@@ -571,22 +569,6 @@ TEST(Parser, KindNumbers) {
         const Block program = parseSource(source);
         EXPECT_EQ(as<ExprStmt>(*program.at(0)).expr->kind, number++);
     }
-}
-
-// Runs `body` on a thread whose stack is small, whatever the limits of the process are.
-void onSmallStack(const std::function<void()>& body) {
-    pthread_attr_t attributes;
-    ASSERT_EQ(pthread_attr_init(&attributes), 0);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, std::size_t{1} << 20), 0);
-    pthread_t thread;
-    const auto run = [](void* argument) -> void* {
-        (*static_cast<const std::function<void()>*>(argument))();
-        return nullptr;
-    };
-    void* argument = const_cast<std::function<void()>*>(&body);
-    ASSERT_EQ(pthread_create(&thread, &attributes, run, argument), 0);
-    pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attributes);
 }
 
 TEST(Parser, NestingTooDeepIsAnError) {

@@ -95,6 +95,13 @@ TEST(Value, AccessorsGiveWhatTheConstructorsTook) {
     EXPECT_EQ(Value(function).kind(), ValueKind::Closure);
 }
 
+TEST(Value, NoReferenceCanBeCopied) {
+    const Ref<ListObj> none;
+    const Ref<ListObj> copy = none;
+    EXPECT_EQ(copy.get(), nullptr);
+    EXPECT_EQ(Ref<ListObj>(static_cast<ListObj*>(nullptr)), none);
+}
+
 TEST(Value, EveryIntegerTypeGivesAnInteger) {
     EXPECT_EQ(Value(7).asInt(), 7);
     EXPECT_EQ(Value(7u).asInt(), 7);

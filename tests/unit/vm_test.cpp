@@ -198,6 +198,29 @@ TEST(Vm, GoesOnInTheCatchCode) {
     EXPECT_EQ(running(code), "\"belowunary '-': expected a number, got nil\"");
 }
 
+// What cannot be translated is run as it stands, and bad code that is never reached does no harm.
+TEST(Vm, RunsCodeWhoseStackCannotBeForeseen) {
+    Code depths;  // comes to its end with one value or two
+    depths.op(OpCode::TRUE).u16(OpCode::JUMP_IF_FALSE, 1).op(OpCode::NIL).op(OpCode::RETURN);
+    EXPECT_EQ(running(depths), "nil");
+    Code slot;  // reads above its top
+    EXPECT_EQ(running(slot.u16(OpCode::GET_LOCAL, 5).op(OpCode::RETURN)), "nil");
+    Code handler;  // takes off a handler that is not there
+    EXPECT_EQ(running(handler.op(OpCode::TRUE).op(OpCode::TRY_END).op(OpCode::RETURN)), "true");
+    const auto behindReturn = [] {
+        Code code;
+        code.op(OpCode::TRUE).u16(OpCode::JUMP_IF_FALSE, 1).op(OpCode::RETURN);
+        return code;
+    };
+    Code shallow = behindReturn();
+    shallow.op(OpCode::POP).op(OpCode::POP).op(OpCode::NIL).op(OpCode::RETURN);
+    EXPECT_EQ(running(shallow), "true");
+    EXPECT_EQ(running(behindReturn().op(OpCode::CONSTANT)), "true");  // without its operand
+    Code away;
+    away.op(OpCode::TRUE).u16(OpCode::JUMP_IF_FALSE, 999).op(OpCode::RETURN);
+    EXPECT_EQ(running(away), "true");
+}
+
 TEST(Vm, MayRunSeveralScripts) {
     MemoryConsole memory;
     VM vm(memory.console);
