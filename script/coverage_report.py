@@ -1,11 +1,11 @@
-#!/usr/bin/env python3
-"""script/coverage_report.py LINES BRANCHES < EXPORT   prints what script/coverage has found.
+"""coverage_report.py LINES BRANCHES < EXPORT   prints what script/coverage has found.
 
 Reads the export of llvm-cov, names everything in src/ that never ran, prints a table of the files,
 and ends with 1 when less than LINES percent of the lines or BRANCHES percent of the branches have
 been taken.
 
-A line counts when any instance of a template or any inlined copy has run it. Each condition of an
+A line counts when any instance of a template or any inlined copy has run it; one that holds nothing
+but closing brackets is none. Each condition of an
 `if`, a loop, `?:`, `&&` or `||`, and each `case`, is two branches, one for either way; in a macro
 it is two branches for every use of the macro. The way past all cases of a `switch` without a
 `default` does not count: such a switch names every enumerator, and the compilers see to it.
@@ -22,6 +22,7 @@ import sys
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 MARK = re.compile(r"^(.*)// not counted: \S")
+CLOSING = re.compile(r"[\s})\];]*$")
 EXPANSION = 1  # the kind of a region that stands for the use of a macro
 
 
@@ -35,6 +36,7 @@ class Source:
         marks = [(number, MARK.match(line)) for number, line in enumerate(self.text, 1)]
         self.left_out = {number if mark[1].strip() else number + 1
                          for number, mark in marks if mark}
+        self.no_code = {number for number, line in enumerate(self.text, 1) if CLOSING.match(line)}
         self.lines = collections.Counter()
         self.branches = collections.defaultdict(lambda: [0, 0])
 
@@ -123,8 +125,9 @@ def read_export(stream):
     for file in export["files"]:
         source = source_of(file["filename"])
         if source:  # which may come twice, under two ways to spell its path
+            without = source.left_out | source.no_code
             source.lines.update({line: count for line, count in line_counts(file["segments"])
-                                 if line not in source.left_out})
+                                 if line not in without})
     for function in export["functions"]:
         add_branches(function, source_of)
     return sorted(sources.values(), key=lambda source: source.name)
