@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <istream>
 #include <ostream>
+#include <streambuf>
 
 namespace pellum {
 
@@ -27,21 +28,44 @@ void Console::flush() {
     throwIfFailed(out_);
 }
 
-std::optional<std::string> Console::readLine() {
+std::optional<std::string_view> Console::nextLine() {
     flush();
-    // In pieces, so that a line without an end does not fill the memory.
-    std::string line;
-    char piece[1024];
-    while (!in_.getline(piece, sizeof piece).bad()) {
-        const bool hasNewline = in_.good();  // it is counted, and not in the piece
-        const auto count = static_cast<std::size_t>(in_.gcount());
-        line.append(piece, hasNewline ? count - 1 : count);
-        if (in_.eof() && line.empty()) break;
-        if (in_.fail() && !in_.eof()) in_.clear();  // the piece is full, which is no failure
-        if (line.size() > maxLineLength) throw LineTooLong();
-        if (hasNewline || in_.eof()) return line;
+    if (isLineWhole_) return line_;
+    if (!in_) return std::nullopt;
+    // Read from the buffer: the stream itself would take a lack of memory for the end of the input.
+    std::streambuf& bytes = *in_.rdbuf();
+    using Traits = std::streambuf::traits_type;
+    try {
+        for (auto byte = bytes.sgetc(); byte != '\n'; byte = bytes.snextc()) {
+            if (Traits::eq_int_type(byte, Traits::eof())) {
+                in_.setstate(std::ios::eofbit | std::ios::failbit);
+                break;
+            }
+            if (line_.size() == maxLineLength) {
+                takeLine();
+                throw LineTooLong();
+            }
+            line_ += Traits::to_char_type(byte);
+        }
+        if (in_) bytes.sbumpc();
+    } catch (const std::ios::failure&) {
+        in_.setstate(std::ios::badbit);  // what cannot be read is the end as well
     }
-    return std::nullopt;
+    if (!in_ && line_.empty()) return std::nullopt;
+    isLineWhole_ = true;
+    return line_;
+}
+
+void Console::takeLine() noexcept {
+    line_ = std::string();
+    isLineWhole_ = false;
+}
+
+std::optional<std::string> Console::readLine() {
+    std::optional<std::string> line;
+    if (const auto next = nextLine()) line.emplace(*next);
+    takeLine();
+    return line;
 }
 
 }  // namespace pellum

@@ -29,13 +29,20 @@ public:
     void flush();
 
     // The next line of the input without its newline (a carriage return stays), or none at its end.
-    // Output is flushed before the wait. Throws LineTooLong beyond maxLineLength; what has been
-    // read by then is gone, and the rest of the line is the next one.
+    // Output is flushed before the wait. It stays the next line until it is taken, so that nothing
+    // is lost where memory does not suffice for it. Throws LineTooLong beyond maxLineLength; what
+    // has been read by then is gone, and the rest of the line is the next one.
+    std::optional<std::string_view> nextLine();
+    void takeLine() noexcept;
+
+    // Both in one.
     std::optional<std::string> readLine();
 
 private:
     std::istream& in_;
     std::ostream& out_;
+    std::string line_;  // what has been read of the next line
+    bool isLineWhole_ = false;
 };
 
 }  // namespace pellum

@@ -50,8 +50,10 @@ Value input(Caller& caller, Arguments& args) {
     Console& console = caller.console();
     if (!args.empty()) console.write(DisplayText(args[0]).view());
     try {
-        const std::optional<std::string> line = console.readLine();
-        return line ? Value(*line) : Value();
+        const std::optional<std::string_view> line = console.nextLine();
+        Value result = line ? Value(*line) : Value();
+        console.takeLine();
+        return result;
     } catch (const LineTooLong&) {
         throw RuntimeError("input: line longer than " + std::to_string(maxLineLength) + " bytes");
     }
