@@ -7,8 +7,10 @@
 #include "parser/parser.h"
 #include "vm/vm.h"
 
+#include <charconv>
 #include <chrono>
-#include <sstream>
+#include <ostream>
+#include <streambuf>
 
 namespace pellum {
 
@@ -16,13 +18,20 @@ namespace {
 
 constexpr int timedRuns = 5;
 
+// Where the program's output goes: it is neither shown nor timed against a terminal.
+class Nowhere final : public std::streambuf {
+    std::streamsize xsputn(const char*, std::streamsize count) override { return count; }
+    int_type overflow(int_type byte) override { return traits_type::not_eof(byte); }
+};
+
 // The mean time of a run in milliseconds, after one run that is not timed. Each run gets a console
-// of its own, so what the program prints is neither shown nor timed against a terminal.
+// of its own.
 template <typename Run>
 double meanMilliseconds(std::istream& in, Run run) {
     const auto runOnce = [&] {
-        std::ostringstream captured;
-        Console console(in, captured);
+        Nowhere nowhere;
+        std::ostream output(&nowhere);
+        Console console(in, output);
         run(console);
     };
     runOnce();
@@ -32,13 +41,16 @@ double meanMilliseconds(std::istream& in, Run run) {
     return static_cast<double>(elapsed.count()) / 1e6 / timedRuns;
 }
 
+std::string sixDigits(double x) {
+    char digits[32];
+    const auto end =
+        std::to_chars(digits, digits + sizeof digits, x, std::chars_format::general, 6).ptr;
+    return {digits, end};
+}
+
 std::string report(double treeMs, double vmMs) {
-    std::ostringstream text;
-    text.imbue(std::locale::classic());
-    text << "tree-walker: " << treeMs << " ms/run\n"
-         << "bytecode VM: " << vmMs << " ms/run\n"
-         << "speedup:     " << (vmMs > 0 ? treeMs / vmMs : 0) << "x\n";
-    return text.str();
+    return "tree-walker: " + sixDigits(treeMs) + " ms/run\nbytecode VM: " + sixDigits(vmMs) +
+           " ms/run\nspeedup:     " + sixDigits(vmMs > 0 ? treeMs / vmMs : 0) + "x\n";
 }
 
 }  // namespace
