@@ -27,13 +27,25 @@ void Environment::define(const Symbol& name, Value value) {
         return;
     }
     bindings_.push_back({key, std::move(value)});
-    if (!index_.empty()) {
-        index_.emplace(key, bindings_.size() - 1);
-    } else if (bindings_.size() > maxUnindexed) {
-        for (std::size_t position = 0; position < bindings_.size(); ++position) {
-            index_.emplace(bindings_[position].name, position);
-        }
+    if (bindings_.size() <= maxUnindexed) return;
+    try {
+        indexLast();
+    } catch (...) {
+        bindings_.pop_back();
+        throw;
     }
+}
+
+void Environment::indexLast() {
+    if (!index_.empty()) {
+        index_.emplace(bindings_.back().name, bindings_.size() - 1);
+        return;
+    }
+    std::unordered_map<const StringObj*, std::size_t> index;
+    for (std::size_t position = 0; position < bindings_.size(); ++position) {
+        index.emplace(bindings_[position].name, position);
+    }
+    index_ = std::move(index);
 }
 
 Value* Environment::lookup(const Symbol& name) noexcept {

@@ -14,7 +14,8 @@ public:
     // The global scope has no parent.
     explicit Environment(Ref<Environment> parent = {}) noexcept : parent_(std::move(parent)) {}
 
-    // Binds `name` in this very scope, replacing an earlier binding in it.
+    // Binds `name` in this very scope, replacing an earlier binding in it. Does nothing when memory
+    // is refused.
     void define(const Symbol& name, Value value);
 
     // The value bound to `name` in this scope or the nearest enclosing one that has it, or null.
@@ -32,6 +33,8 @@ private:
     };
 
     Value* findHere(const StringObj* name) noexcept;
+    // Adds the last binding to the index, and with it all others if there is no index yet.
+    void indexLast();
 
     std::vector<Binding> bindings_;
     std::unordered_map<const StringObj*, std::size_t> index_;  // positions, once there are many

@@ -33,8 +33,10 @@ bool VM::callSlowly(Value* callee, std::size_t argCount) {
     args.assign(std::make_move_iterator(callee + 1), std::make_move_iterator(stack_.top()));
     const auto& native = static_cast<const NativeObj&>(callee->asFunction());
     *callee = callNative(native, *this, args, position());
-    args.clear();
-    argumentPool_.push_back(std::move(args));
+    if (argumentPool_.size() < argumentPool_.capacity()) {
+        args.clear();
+        argumentPool_.push_back(std::move(args));
+    }
     return false;
 }
 
@@ -117,7 +119,7 @@ void VM::setField(Instruction& at, Value& object, Value& value) {
         if (found) {
             *found = std::move(stored);
         } else {
-            map.set(*at.pointer, std::move(stored));
+            writeIndex(object, *at.pointer, std::move(stored), position());
         }
     } else {
         writeIndex(object, *at.pointer, std::move(stored), position());

@@ -60,6 +60,10 @@ public:
           result_(&result) {}
 
     void run() {
+        // An earlier attempt may have ended half way for want of memory.
+        result_->instructions.clear();
+        result_->codeOffsets.clear();
+        result_->pointers.clear();
         result_->arity = proto_.arity;
         result_->maxDepth = analysis_.maxDepth;
         result_->isUsable = analysis_.isRegular && translateAll();

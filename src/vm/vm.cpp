@@ -30,6 +30,7 @@ VM::VM(Console& console, Code preferred)
       lastFrame_(frames_.get() + maxFrames),
       preferred_(preferred) {
     *frame_ = Frame{nullptr, nullptr, nullptr, stack_.begin(), true, false};
+    argumentPool_.reserve(maxPooledArguments);
     registerBuiltins(globals_);
 }
 
@@ -49,11 +50,18 @@ Value VM::run(const Ref<FunctionProto>& script) {
 Value VM::call(const Value& callee, std::span<Value> args) {
     if (hostStackIsLow()) throw RuntimeError("call stack overflow (too much recursion)");
     const std::size_t baseDepth = frameCount();
-    push(callee, Position{});
-    for (Value& arg : args) push(std::move(arg), Position{});
-    callValue(args.size(), Position{});
-    if (frameCount() == baseDepth) return stack_.pop();  // a native, which has run already
-    return runToDepth(baseDepth);
+    try {
+        push(callee, Position{});
+        for (Value& arg : args) push(std::move(arg), Position{});
+        callValue(args.size(), Position{});
+        if (frameCount() == baseDepth) return stack_.pop();  // a native, which has run already
+        return runToDepth(baseDepth);
+    } catch (...) {
+        // A lack of memory passes by the handlers of the function called, and whoever asked for the
+        // call makes an error of it that a handler further out may catch.
+        dropHandlersAbove(baseDepth);
+        throw;
+    }
 }
 
 Value VM::runToDepth(std::size_t baseDepth) {
@@ -178,9 +186,10 @@ bool VM::needsExactCallee(const Value* calleeSlot) const noexcept {
 RegisterCode& VM::codeOf(const Ref<FunctionProto>& proto) {
     std::unique_ptr<RegisterCode>& code = codes_[proto.get()];
     if (!code) {
-        code = std::make_unique<RegisterCode>();
-        code->proto = proto;
-        code->functions.resize(proto->functions.size());
+        auto made = std::make_unique<RegisterCode>();
+        made->proto = proto;
+        made->functions.resize(proto->functions.size());
+        code = std::move(made);
     }
     return *code;
 }

@@ -23,6 +23,10 @@ public:
     // Calls nested deeper than this, the script's own included, are an error of the program.
     static constexpr std::size_t maxFrames = 4'096;
 
+    // Argument vectors of natives that are kept for the next call. As many are in use at a time as
+    // calls of natives are nested in each other.
+    static constexpr std::size_t maxPooledArguments = 16;
+
     enum class Code { Register, Stack };
 
     // Reserves the stacks and installs the builtins. REQUIRES: the console outlives this.
@@ -138,7 +142,8 @@ private:
     Globals globals_;
     Code preferred_;
     std::unordered_map<const FunctionProto*, std::unique_ptr<RegisterCode>> codes_;
-    std::vector<std::vector<Value>> argumentPool_;  // vectors that native calls have given back
+    // Vectors that native calls have given back, as many as there is room for.
+    std::vector<std::vector<Value>> argumentPool_;
 };
 
 }  // namespace pellum
