@@ -100,6 +100,22 @@ Value characterAt(const Value& string, const Value& index, Position at) {
     return Value(StringObj::oneByte(static_cast<unsigned char>(byte)));
 }
 
+std::vector<Value> bytesOf(std::string_view text) {
+    std::vector<Value> elements;
+    elements.reserve(text.size());
+    for (const char byte : text) {
+        elements.emplace_back(StringObj::oneByte(static_cast<unsigned char>(byte)));
+    }
+    return elements;
+}
+
+std::vector<Value> keysOf(MapData& map) {
+    std::vector<Value> elements;
+    elements.reserve(map.size());
+    for (const MapData::Entry& entry : map.entries()) elements.push_back(entry.key);
+    return elements;
+}
+
 }  // namespace
 
 Value add(Value left, const Value& right, Position at) {
@@ -185,33 +201,31 @@ void writeIndex(const Value& object, const Value& index, Value value, Position a
                 throw RuntimeError(
                     std::string("map key must be a string or number, got ") + typeName(index), at);
             }
-            object.asMap().set(index, std::move(value));
+            try {
+                object.asMap().set(index, std::move(value));
+            } catch (const std::bad_alloc&) {
+                throw RuntimeError("cannot assign into map: out of memory", at);
+            }
             return;
         default: throw RuntimeError(std::string("cannot assign into ") + typeName(object), at);
     }
 }
 
 std::vector<Value> elementsToVisit(const Value& iterable, Position at) {
-    std::vector<Value> elements;
-    switch (iterable.kind()) {
-        case ValueKind::List: return iterable.asList().items;
-        case ValueKind::String:
-            if (iterable.asText().size() > maxListLength) {
+    try {
+        switch (iterable.kind()) {
+            case ValueKind::List: return iterable.asList().items;
+            case ValueKind::String:
+                if (iterable.asText().size() <= maxListLength) return bytesOf(iterable.asText());
                 throw RuntimeError("cannot iterate over string: too long", at);
-            }
-            elements.reserve(iterable.asText().size());
-            for (const char byte : iterable.asText()) {
-                elements.emplace_back(StringObj::oneByte(static_cast<unsigned char>(byte)));
-            }
-            return elements;
-        case ValueKind::Map:
-            elements.reserve(iterable.asMap().size());
-            for (const MapData::Entry& entry : iterable.asMap().entries()) {
-                elements.push_back(entry.key);
-            }
-            return elements;
-        default: throw RuntimeError(std::string("cannot iterate over ") + typeName(iterable), at);
+            case ValueKind::Map: return keysOf(iterable.asMap());
+            default: break;
+        }
+    } catch (const std::bad_alloc&) {
+        throw RuntimeError(
+            std::string("cannot iterate over ") + typeName(iterable) + ": out of memory", at);
     }
+    throw RuntimeError(std::string("cannot iterate over ") + typeName(iterable), at);
 }
 
 }  // namespace pellum

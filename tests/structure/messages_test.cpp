@@ -58,9 +58,11 @@ std::string expectedTexts() {
             texts += program.treeOutput.value_or("") + program.vmOutput.value_or("") + "\n";
         }
     }
-    for (const auto& file : filesUnder("tests/unit", ".cpp")) {
-        for (const CppLiteral& literal : stringLiterals(readFile(file))) {
-            texts += literal.text + "\n";
+    for (const char* folder : {"tests/unit", "tests/allocation"}) {
+        for (const auto& file : filesUnder(folder, ".cpp")) {
+            for (const CppLiteral& literal : stringLiterals(readFile(file))) {
+                texts += literal.text + "\n";
+            }
         }
     }
     return texts;
