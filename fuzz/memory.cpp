@@ -1,0 +1,72 @@
+#include "fuzz/memory.h"
+
+#include <malloc.h>
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+struct Budget {
+    bool isSet = false;
+    bool wasExceeded = false;
+    std::ptrdiff_t single = 0;
+    std::ptrdiff_t left = 0;  // what is released counts too, even when it is older than the budget
+};
+
+Budget budget;
+
+void* allocateOrNull(std::size_t size) noexcept {
+    if (budget.isSet) {
+        const auto wanted = static_cast<std::ptrdiff_t>(size);
+        if (wanted < 0 || wanted > budget.single || wanted > budget.left) {
+            budget.wasExceeded = true;
+            return nullptr;
+        }
+    }
+    void* const memory = std::malloc(size ? size : 1);
+    if (memory && budget.isSet) {
+        budget.left -= static_cast<std::ptrdiff_t>(malloc_usable_size(memory));
+    }
+    return memory;
+}
+
+void* allocate(std::size_t size) {
+    void* const memory = allocateOrNull(size);
+    if (!memory) throw std::bad_alloc();
+    return memory;
+}
+
+void release(void* memory) noexcept {
+    if (budget.isSet) budget.left += static_cast<std::ptrdiff_t>(malloc_usable_size(memory));
+    std::free(memory);
+}
+
+}  // namespace
+
+void* operator new(std::size_t size) { return allocate(size); }
+void* operator new[](std::size_t size) { return allocate(size); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return allocateOrNull(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return allocateOrNull(size);
+}
+void operator delete(void* memory) noexcept { release(memory); }
+void operator delete[](void* memory) noexcept { release(memory); }
+void operator delete(void* memory, const std::nothrow_t&) noexcept { release(memory); }
+void operator delete[](void* memory, const std::nothrow_t&) noexcept { release(memory); }
+void operator delete(void* memory, std::size_t) noexcept { release(memory); }
+void operator delete[](void* memory, std::size_t) noexcept { release(memory); }
+
+namespace pellum::fuzz {
+
+MemoryBudget::MemoryBudget(std::size_t single, std::size_t total) noexcept {
+    budget = {true, false, static_cast<std::ptrdiff_t>(single), static_cast<std::ptrdiff_t>(total)};
+}
+
+MemoryBudget::~MemoryBudget() { budget.isSet = false; }
+
+bool MemoryBudget::wasExceeded() const noexcept { return budget.wasExceeded; }
+
+}  // namespace pellum::fuzz
