@@ -1,40 +1,58 @@
-// The engines against each other, on random programs. The suite plays a fixed list of seeds;
-// PELLUM_AGREEMENT_SEEDS asks for more:
+// The engines against each other, on random programs. The suite plays a fixed list of seeds; more
+// are asked for by the environment:
 //
-//   PELLUM_AGREEMENT_SEEDS=1000-100000 pellum_tests --gtest_filter='Agreement.*'
+//   PELLUM_AGREEMENT_SEEDS=5000-100000 pellum_tests --gtest_filter='Agreement.*'
 //
-// A single seed prints its program too.
+// A single seed prints its program too. PELLUM_AGREEMENT_SECONDS ends a range early, and
+// PELLUM_AGREEMENT_SAVE names a folder into which what differs is written, shrunk, as a case for
+// tests/regression.
 #include "agreement/comparison.h"
 #include "agreement/generator.h"
+#include "support/files.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <cstdlib>
+#include <filesystem>
 #include <iostream>
 #include <string>
 
 namespace pellum::test {
 namespace {
 
+constexpr std::uint64_t fixedSeeds = 2000;
+constexpr std::uint64_t slice = 50;
+
 void expectAgreement(std::uint64_t seed) {
+    const Ground ground = groundOf(seed);
     const Block program = generateProgram(seed);
-    if (compareEngines(textOf(program)).agrees()) return;
-    const std::string smaller = textOf(shrink(program));
+    if (compareEngines(textOf(program), ground).agrees()) return;
+    const std::string smaller = textOf(shrink(program, ground));
     ADD_FAILURE() << "the engines disagree about the program of seed " << seed
                   << "; shrunk, it is\n"
-                  << smaller << compareEngines(smaller).difference();
+                  << smaller << compareEngines(smaller, ground).difference();
+    const char* const folder = std::getenv("PELLUM_AGREEMENT_SAVE");
+    if (!folder) return;
+    const auto path = std::filesystem::path(folder) / ("seed_" + std::to_string(seed) + ".pellum");
+    std::filesystem::create_directories(folder);
+    writeFile(path, regressionCase(smaller, ground));
+    std::cout << "saved as " << path.string() << std::endl;
 }
 
 // A slice of the fixed list, so that the slices run side by side.
 class FixedSeeds : public testing::TestWithParam<std::uint64_t> {};
 
 TEST_P(FixedSeeds, GiveTheSameOnBothEngines) {
-    for (std::uint64_t seed = GetParam(); seed < GetParam() + 50; ++seed) expectAgreement(seed);
+    std::cout << "seeds " << GetParam() << " to " << GetParam() + slice - 1 << std::endl;
+    for (std::uint64_t seed = GetParam(); seed < GetParam() + slice; ++seed) expectAgreement(seed);
 }
 
-INSTANTIATE_TEST_SUITE_P(Agreement, FixedSeeds, testing::Range<std::uint64_t>(1, 401, 50),
-                         [](const auto& slice) { return "from" + std::to_string(slice.param); });
+INSTANTIATE_TEST_SUITE_P(Agreement, FixedSeeds,
+                         testing::Range<std::uint64_t>(1, fixedSeeds + 1, slice),
+                         [](const auto& first) { return "from" + std::to_string(first.param); });
 
 TEST(Agreement, OfTheSeedsAskedFor) {
     const char* const asked = std::getenv("PELLUM_AGREEMENT_SEEDS");
@@ -45,7 +63,17 @@ TEST(Agreement, OfTheSeedsAskedFor) {
     ASSERT_TRUE(rest != asked && *rest == '\0' && first <= last)
         << "PELLUM_AGREEMENT_SEEDS is a seed or a range such as 1-100";
     if (first == last) std::cout << textOf(generateProgram(first));
-    for (std::uint64_t seed = first; seed <= last; ++seed) expectAgreement(seed);
+
+    using Clock = std::chrono::steady_clock;
+    const char* const seconds = std::getenv("PELLUM_AGREEMENT_SECONDS");
+    const auto end = Clock::now() + std::chrono::seconds(seconds ? std::atol(seconds) : 1L << 30);
+    std::uint64_t seed = first;
+    for (; seed <= last && Clock::now() < end; ++seed) {
+        // Where a crash would have to be looked for.
+        if ((seed - first) % 100 == 0) std::cout << "from seed " << seed << std::endl;
+        expectAgreement(seed);
+    }
+    std::cout << seed - first << " programs" << std::endl;
 }
 
 TEST(Agreement, ProgramsAreTheSameForTheSameSeed) {
@@ -57,7 +85,7 @@ TEST(Agreement, ProgramsAreTheSameForTheSameSeed) {
 TEST(Agreement, ProgramsRunForAWhile) {
     int finished = 0;
     std::size_t lines = 0;
-    for (std::uint64_t seed = 1; seed <= 50; ++seed) {
+    for (std::uint64_t seed = 1; seed <= 100; ++seed) {
         const Outcome outcome =
             playInProcess({"-c", textOf(generateProgram(seed))}, "a line of input\n");
         EXPECT_EQ(outcome.errors.find("SyntaxError"), std::string::npos) << outcome.errors;
@@ -66,8 +94,8 @@ TEST(Agreement, ProgramsRunForAWhile) {
         lines += static_cast<std::size_t>(
             std::count(outcome.output.begin(), outcome.output.end(), '\n'));
     }
-    EXPECT_GE(finished, 25);
-    EXPECT_GE(lines, 50u * 10);
+    EXPECT_GE(finished, 60);
+    EXPECT_GE(lines, 100u * 10);
 }
 
 }  // namespace

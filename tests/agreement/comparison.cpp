@@ -45,7 +45,7 @@ Outcome play(Engine engine, const std::string& source) {
 }
 
 // The same as a snippet on the virtual machine, but never translated to register code.
-Outcome playStackCode(const std::string& source) {
+Outcome playRawStackCode(const std::string& source) {
     std::istringstream in(input);
     std::ostringstream out;
     std::ostringstream err;
@@ -61,7 +61,7 @@ Outcome playStackCode(const std::string& source) {
     }
     outcome.output = out.str();
     outcome.errors = err.str();
-    return evened(outcome);
+    return outcome;
 }
 
 // A program that lost a declaration or a loop may differ for another reason than the one sought.
@@ -77,7 +77,7 @@ bool isDamaged(const Comparison& comparison) {
 
 class Shrinker {
 public:
-    explicit Shrinker(Block program) : program_(std::move(program)) {}
+    Shrinker(Block program, Ground ground) : program_(std::move(program)), ground_(ground) {}
 
     Block run() {
         while (shrinkBlock(program_)) {
@@ -88,8 +88,8 @@ public:
 private:
     // Still a disagreement, with what has just been tried.
     bool differs() const {
-        const Comparison comparison = compareEngines(textOf(program_));
-        return !comparison.agrees() && !isDamaged(comparison);
+        const Comparison comparison = compareEngines(textOf(program_), ground_);
+        return !comparison.agrees() && (ground_ == Ground::MachineAlone || !isDamaged(comparison));
     }
 
     // Tries to do without half of the statements, a quarter, and so on down to single ones. Returns
@@ -139,7 +139,28 @@ private:
     }
 
     Block program_;
+    Ground ground_;
 };
+
+// How the comments of a case say that a program ends so.
+std::string expectedError(const std::string& errors) {
+    static const std::regex placed(
+        "RuntimeError: ([^\\n]*)\\n  --> [^\\n]*:([0-9]+:[0-9]+)\\n[^]*");
+    static const std::regex unplaced("RuntimeError: ([^\\n]*)\\n");
+    std::smatch match;
+    if (std::regex_match(errors, match, placed)) {
+        return "# expect error " + match[2].str() + ": " + match[1].str() + "\n";
+    }
+    if (std::regex_match(errors, match, unplaced)) {
+        return "# expect error: " + match[1].str() + "\n";
+    }
+    constexpr std::string_view thrown = "Error: ";
+    std::string comments;
+    for (const std::string& line : splitLines(std::string_view(errors).substr(thrown.size()))) {
+        comments += "# expect thrown: " + line + "\n";
+    }
+    return comments;
+}
 
 }  // namespace
 
@@ -156,10 +177,28 @@ std::string Comparison::difference() const {
                          std::to_string(vm.status) + " on the virtual machine");
 }
 
-Comparison compareEngines(const std::string& source) {
-    return {play(Engine::Tree, source), play(Engine::Vm, source), playStackCode(source)};
+Comparison compareEngines(const std::string& source, Ground ground) {
+    const Outcome vm = play(Engine::Vm, source);
+    return {ground == Ground::BothEngines ? play(Engine::Tree, source) : vm, vm,
+            evened(playRawStackCode(source))};
 }
 
-Block shrink(Block program) { return Shrinker(std::move(program)).run(); }
+Block shrink(Block program, Ground ground) { return Shrinker(std::move(program), ground).run(); }
+
+std::string regressionCase(const std::string& source, Ground ground) {
+    const bool isOfMachine = ground == Ground::MachineAlone;
+    const Outcome wanted = isOfMachine
+                               ? playRawStackCode(source)
+                               : playInProcess(onEngine(Engine::Tree, {"-c", source}), input);
+    std::string text = source;
+    if (isOfMachine) text += "# only (vm)\n";
+    if (source.find("input(") != source.npos) text += "# input: a line of input\n";
+    for (const std::string& line : splitKeepingNewlines(wanted.output)) {
+        text +=
+            line.ends_with('\n') ? "# expect: " + line : "# expect without newline: " + line + "\n";
+    }
+    if (!wanted.errors.empty()) return text + expectedError(wanted.errors);
+    return wanted.output.empty() ? text + "# expect nothing\n" : text;
+}
 
 }  // namespace pellum::test

@@ -16,12 +16,10 @@ std::string Writer::literal(Type type) {
     const auto number = [&] { return std::to_string(random_.below(12)); };
     switch (type) {
         case Type::Int:
-            if (random_.chance(5)) {
-                return random_.pick<std::string>({"9223372036854774784", "4611686018427387904",
-                                                  "9007199254740993", "1000000007", "-255"});
-            }
+            if (random_.chance(5)) return extremeInt();
             return number();
         case Type::Float:
+            if (random_.chance(5)) return extremeFloat();
             return random_.pick<std::string>({"0.5", "2.0", "-0.0", "0.1", "3.25", "1e300", "1e-5",
                                               "7.0", "100000.0", "PI", "E"});
         case Type::Bool: return random_.chance(50) ? "true" : "false";
@@ -41,6 +39,20 @@ std::string Writer::literal(Type type) {
         case Type::Message: break;
     }
     return "nil";
+}
+
+// At the edges of what integers hold, and of what doubles hold of them.
+std::string Writer::extremeInt() {
+    return random_.pick<std::string>({"9223372036854774784", "4611686018427387904",
+                                      "9007199254740993", "1000000007", "-255", "(2 ^ 62 * 2)",
+                                      "(2 ^ 62 - 1 + 2 ^ 62)", "(2 ^ 53)", "(2 ^ 53 + 1)",
+                                      "(-(2 ^ 53) - 1)", "(2 ^ 31)", "(-(2 ^ 62) * 2 + 1)"});
+}
+
+std::string Writer::extremeFloat() {
+    return random_.pick<std::string>({"log(-1)", "(1e308 * 10)", "(-1e308 * 10)", "5e-324",
+                                      "9007199254740993.0", "9223372036854775808.0", "-1e19",
+                                      "1.7976931348623157e308", "(0.0 * -1)"});
 }
 
 std::string Writer::leaf(Type type) {
@@ -162,7 +174,9 @@ std::string Writer::intExpression(Demand demand, int depth) {
     };
     const auto nonZero = [&] { return std::to_string(random_.between(1, 9)); };
     const bool mayFail = demand == Demand::Anything && random_.chance(25);
-    switch (random_.below(32)) {
+    switch (random_.below(34)) {
+        case 32:
+        case 33: return rareInt(demand, depth);
         case 0:
         case 1:
         case 2:
@@ -244,10 +258,12 @@ std::string Writer::floatExpression(Demand demand, int depth) {
         case 10: return "-" + leaf(Type::Float);
         case 11: return "sqrt(" + number() + ")";
         case 12:
-            return random_.pick<std::string>({"sin(", "cos(", "float(", "log(", "exp("}) +
+            return random_.pick<std::string>({"sin(", "cos(", "tan(", "float(", "log(", "exp("}) +
                    number() + ")";
         case 13: return "round(" + of(Type::Float) + ", 2)";
-        case 14: return "pow(" + number() + ", 2)";
+        case 14:
+            return random_.chance(50) ? "pow(" + number() + ", " + literal(Type::Float) + ")"
+                                      : "log(" + number() + ", 2)";
         case 15: return (random_.chance(50) ? "min(" : "max(") + of(Type::Float) + ", 1.5)";
         case 16: return "clamp(" + of(Type::Float) + ", -1.5, 1000)";
         case 17: return "sum([" + of(Type::Int) + ", " + of(Type::Float) + "])";
@@ -260,7 +276,8 @@ std::string Writer::boolExpression(Demand demand, int depth) {
     const auto number = [&] { return of(random_.chance(70) ? Type::Int : Type::Float); };
     const std::string order = random_.pick<std::string>({" < ", " <= ", " > ", " >= "});
     const std::string equality = random_.pick<std::string>({" == ", " != "});
-    switch (random_.below(17)) {
+    switch (random_.below(18)) {
+        case 17: return rareBool(demand, depth);
         case 0:
         case 1:
         case 2: return "(" + number() + order + number() + ")";
@@ -287,7 +304,8 @@ std::string Writer::boolExpression(Demand demand, int depth) {
 std::string Writer::textExpression(Demand demand, int depth) {
     const auto of = [&](Type type) { return expression(type, demand, depth); };
     const auto call = [&](const char* name, Type type) { return name + of(type) + ")"; };
-    switch (random_.below(18)) {
+    switch (random_.below(20)) {
+        case 18: return rareText(demand, depth);
         case 0:
         case 1:
         case 2: return "(" + of(Type::Text) + " + " + of(Type::Text) + ")";
@@ -315,6 +333,78 @@ std::string Writer::textExpression(Demand demand, int depth) {
     }
 }
 
+// The builtins that give the same only within bounds, or that few programs would use so often.
+std::string Writer::rareInt(Demand demand, int depth) {
+    const auto of = [&](Type type) { return expression(type, demand, depth); };
+    switch (random_.below(11)) {
+        case 0: return "(randint(-1, " + std::to_string(random_.below(4)) + ") * 0)";
+        case 1: return "int(random())";
+        case 2: return "sign(clock())";
+        case 3: return "parse_int(hex(abs(" + of(Type::Int) + ") % 4096), 16)";
+        case 4: return "parse_int(slice(oct(" + std::to_string(random_.below(64)) + "), 2), 8)";
+        case 5: return "parse_int(slice(bin(" + std::to_string(random_.below(64)) + "), 2), 2)";
+        case 6: return "int(" + of(Type::Bool) + ")";
+        case 7: return (random_.chance(50) ? "min([" : "max([") + of(Type::Int) + ", 3])";
+        case 8: return "pop([" + of(Type::Int) + "])";
+        case 9: return "len(push([], " + of(Type::Int) + ", " + of(Type::Text) + "))";
+        default:
+            return "remove_at([" + of(Type::Int) + ", 1, 2], (" + index(Demand::Harmless) +
+                   ") % 3)";
+    }
+}
+
+std::string Writer::rareBool(Demand demand, int depth) {
+    const auto of = [&](Type type) { return expression(type, demand, depth); };
+    switch (random_.below(6)) {
+        case 0:
+            return random_.pick<std::string>({"is_map(", "is_bool(", "is_list("}) + of(dataType()) +
+                   ")";
+        case 1:
+            return random_.pick<std::string>({"starts_with(", "ends_with("}) + of(Type::Text) +
+                   ", " + of(dataType()) + ")";
+        case 2: return "delete(copy(" + leaf(Type::Table) + "), " + key() + ")";
+        case 3: return "assert(" + of(Type::Text) + R"( != "no", "never"))";
+        case 4: return "(clock() >= " + literal(Type::Float) + " or true)";
+        default: return "contains(" + of(Type::Ints) + ", " + of(Type::Float) + ")";
+    }
+}
+
+std::string Writer::rareText(Demand demand, int depth) {
+    const auto of = [&](Type type) { return expression(type, demand, depth); };
+    switch (random_.below(7)) {
+        case 0: return "oct(" + of(Type::Int) + ")";
+        case 1: return "bin(" + of(Type::Float) + ")";
+        case 2: return "str(zip(" + of(Type::Ints) + ", " + of(Type::Texts) + "))";
+        case 3: return "str(enumerate(" + of(Type::Ints) + "))";
+        case 4: return "str(items(" + of(Type::Table) + "))";
+        case 5:
+            return demand == Demand::Anything ? R"((input("ask") or "nothing"))"
+                                              : "chars(\"q\")[0]";
+        default: return "join(split(" + of(Type::Text) + "), " + leaf(Type::Text) + ")";
+    }
+}
+
+std::string Writer::rareInts(Demand demand, int depth) {
+    const auto of = [&](Type type) { return expression(type, demand, depth); };
+    const auto second = [&](const std::string& list) {
+        return "map(function(p) return p[" + std::to_string(random_.between(-1, 1)) + "] end, " +
+               list + ")";
+    };
+    switch (random_.below(5)) {
+        case 0:
+            return second("items({[" + std::to_string(random_.below(4)) + "]: " + of(Type::Int) +
+                          "})");
+        case 1: return second("enumerate(" + of(Type::Ints) + ")");
+        case 2: return second("zip(" + of(Type::Ints) + ", " + of(Type::Ints) + ")");
+        case 3:
+            return "insert(push(copy(" + of(Type::Ints) + "), " + of(Type::Int) + "), 0, " +
+                   of(Type::Int) + ")";
+        default:
+            return "range(" + std::to_string(random_.below(10)) + ", 0, -" +
+                   std::to_string(random_.between(1, 4)) + ")";
+    }
+}
+
 std::string Writer::interpolation(Demand demand) {
     if (insideInterpolation_) return leaf(Type::Text);  // they do not nest
     insideInterpolation_ = true;
@@ -329,7 +419,8 @@ std::string Writer::intsExpression(Demand demand, int depth) {
     const auto made = [&](const std::vector<Type>& parameters, Type result) {
         return lambda(parameters, result, Scope::Lifetime::Immediate, demand, depth);
     };
-    switch (random_.below(16)) {
+    switch (random_.below(17)) {
+        case 16: return rareInts(demand, depth);
         case 0:
         case 1:
         case 2: return "[" + of(Type::Int) + ", " + of(Type::Int) + "]";

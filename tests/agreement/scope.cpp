@@ -25,7 +25,8 @@ std::optional<Variable> Scope::pick(Random& random, const Condition& condition) 
         for (std::size_t i = blocks_[block].size(); i-- > 0;) {
             const Variable& variable = blocks_[block][i];
             if (!seen.insert(variable.name).second) continue;  // hidden by an inner one
-            if (variable.isLoopVariable && block < functions_.back().firstLoopBlock) continue;
+            const bool isLost = variable.isLoopVariable && block < functions_.back().firstLoopBlock;
+            if (isLost && rules_ == Rules::Agreeing) continue;
             if (condition(variable)) choices.push_back(&variable);
         }
     }
@@ -51,8 +52,8 @@ std::optional<Variable> Scope::pickAssignable(Random& random, const Condition& c
         return false;
     };
     return pick(random, [&](const Variable& variable) {
-        return variable.isAssignable && (variable.isShared || isOwn(variable)) &&
-               condition(variable);
+        const bool isFree = rules_ == Rules::None || variable.isShared || isOwn(variable);
+        return variable.isAssignable && isFree && condition(variable);
     });
 }
 

@@ -43,7 +43,10 @@ struct Variable {
 
 class Scope {
 public:
-    Scope() : blocks_(1) {}
+    // In a scope without restrictions every visible variable may be captured and assigned to, also
+    // where the engines differ about what that does.
+    enum class Rules { Agreeing, None };
+    explicit Scope(Rules rules = Rules::Agreeing) : rules_(rules), blocks_(1) {}
 
     void openBlock() { blocks_.emplace_back(); }
     void closeBlock() { blocks_.pop_back(); }
@@ -69,6 +72,7 @@ private:
         std::size_t firstBlock;
         std::size_t firstLoopBlock;  // loop variables of earlier blocks are hidden
     };
+    Rules rules_;
     std::vector<std::vector<Variable>> blocks_;
     std::vector<Function> functions_ = {{0, 0}};
 };

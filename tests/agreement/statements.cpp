@@ -13,14 +13,28 @@ std::string joinedBy(const char* separator, const std::vector<std::string>& piec
 
 }  // namespace
 
-Block generateProgram(std::uint64_t seed) { return Writer(seed).program(); }
+Ground groundOf(std::uint64_t seed) {
+    return seed % 4 == 3 ? Ground::MachineAlone : Ground::BothEngines;
+}
+
+Block generateProgram(std::uint64_t seed) { return Writer(seed, groundOf(seed)).program(); }
 
 Block Writer::program() {
-    Block program = {simple(fuelDeclaration)};
+    Block program = {simple(fuelDeclaration), simple(counterDeclaration)};
     // Something of each kind to work with.
     for (const Type type : {Type::Int, Type::Int, Type::Float, Type::Bool, Type::Text, Type::Ints,
                             Type::Texts, Type::Table, Type::Funcs}) {
         program.push_back(declare(type, literal(type), random_.chance(40)));
+    }
+    for (const Type type : {Type::Int, Type::Float}) {
+        if (random_.chance(30)) {
+            program.push_back(
+                declare(type, type == Type::Int ? extremeInt() : extremeFloat(), false));
+        }
+    }
+    if (random_.chance(50)) {
+        program.push_back(denseFunction());
+        program.push_back(simple("fuel = 300"));
     }
     const Place top;
     while (budget_ > 0) {
@@ -90,8 +104,8 @@ Statement Writer::statement(const Place& place) {
     const int choice = random_.below(isDeep ? 48 : 100);
     if (choice < 12) return let();
     if (choice < 18) return assignment();
-    if (choice < 25) return compoundAssignment();
-    if (choice < 30) return elementAssignment();
+    if (choice < 25) return isWild_ && random_.chance(15) ? redeclaration() : compoundAssignment();
+    if (choice < 30) return random_.chance(12) ? scratch() : elementAssignment();
     if (choice < 35) return listChange();
     if (choice < 42) return print();
     if (choice < 43)
@@ -108,17 +122,64 @@ Statement Writer::statement(const Place& place) {
     if (choice < 59) return ifStatement(place);
     if (choice < 64) return whileLoop(place);
     if (choice < 70) return numericFor(place);
-    if (choice < 76) return forIn(place);
+    if (choice < 75) return forIn(place);
+    if (choice < 76) return pairs(place);
     if (choice < 84) return tryStatement(place);
     if (choice < 90) return function(place);
-    if (choice < 97) return closure(place);
-    return callback(place);
+    if (choice < 95) return closure(place);
+    if (choice < 98) return callback(place);
+    return denseFunction();
 }
 
 Statement Writer::declare(Type type, const std::string& value, bool isShared) {
     const std::string name = newName("v");
     scope_.declare({name, type, true, isShared});
     return simple("let " + name + " = " + value);
+}
+
+// A second variable of the name, which both engines see in different ways.
+Statement Writer::redeclaration() {
+    const auto known = pickHidden();
+    if (!known) return print();
+    scope_.declare({known->name, known->type, true, random_.chance(30)});
+    return simple("let " + known->name + " = " + variationOf(*known));
+}
+
+// Every compound assignment to every kind of target, on a container that nobody else uses, so that
+// its elements may become floats.
+Statement Writer::scratch() {
+    const std::string op =
+        random_.pick<std::string>({" += ", " -= ", " *= ", " /= ", " //= ", " %= ", " ^= "});
+    const std::string value =
+        expression(random_.chance(50) ? Type::Int : Type::Float, Demand::Harmless, 1);
+    const bool isZeroRefused = op == " /= " || op == " //= " || op == " %= ";
+    const std::string right = isZeroRefused ? std::to_string(random_.between(-3, -1)) : value;
+    const std::string name = newName("s");
+    const bool isList = random_.chance(40);
+    const std::string target =
+        isList ? name + "[" + std::to_string(random_.between(-2, 1)) + "]"
+               : name + random_.pick<std::string>({".a", "[\"a\"]", "[\"k 1\"]", "[1.0]"});
+    const std::string made = isList ? "[" + leaf(Type::Int) + ", " + leaf(Type::Float) + "]"
+                                    : "{a: " + leaf(Type::Int) + ", \"k 1\": " + leaf(Type::Float) +
+                                          ", [1]: " + literal(Type::Int) + "}";
+    return {{{"if true then",
+              {simple("let " + name + " = " + made), simple(target + op + right),
+               simple("print(" + name + ", " + target + ")")}}},
+            "end"};
+}
+
+// What holds pairs: the entries of a map, a list beside its indexes, two lists side by side.
+Statement Writer::pairs(const Place& place) {
+    const std::string name = newName("e");
+    const std::string source =
+        random_.pick<std::string>({"items(" + leaf(Type::Table) + ")",
+                                   "enumerate(" + bounded(Type::Texts, Demand::Anything, 1) + ")",
+                                   "zip(" + leaf(Type::Ints) + ", " + leaf(Type::Texts) + ")"});
+    scope_.openBlock();
+    Block body = loopBody(place);
+    scope_.closeBlock();
+    body.insert(body.begin(), simple("print(" + name + "[0], " + name + "[-1])"));
+    return {{{"for " + name + " in " + source + " do\n" + iterationGuard, std::move(body)}}, "end"};
 }
 
 Statement Writer::let() {
@@ -140,7 +201,7 @@ Statement Writer::compoundAssignment() {
     });
     if (!target) return print();
     // One engine reads the variable before the value is evaluated, the other afterwards.
-    const Demand demand = target->isShared ? Demand::Harmless : Demand::Anything;
+    const Demand demand = target->isShared && !isWild_ ? Demand::Harmless : Demand::Anything;
     const auto value = [&](Type type) { return expression(type, demand, 2); };
     const std::string& name = target->name;
     switch (target->type) {
@@ -157,16 +218,24 @@ Statement Writer::compoundAssignment() {
             return simple(name + random_.pick<std::string>({" += ", " -= ", " *= ", " /= "}) +
                           (random_.chance(70) ? value(Type::Float) : leaf(Type::Int)));
         case Type::Text:
+            if (random_.chance(15)) {  // with itself
+                return {{{"if len(" + name + ") < 20 then",
+                          {simple(name + (random_.chance(50) ? " += " : " = " + name + " + ") +
+                                  name)}}},
+                        "end"};
+            }
             if (random_.chance(30))
                 return simple(name + " = " + name + " + " + literal(Type::Text));
             return simple(name + " += " +
                           (random_.chance(60) ? literal(Type::Text)
                                               : "slice(" + value(Type::Text) + ", 0, 3)"));
-        default:
-            return {{{"if len(" + name + ") < 12 then",
-                      {simple(name + (random_.chance(50) ? " += [" : " = " + name + " + [") +
-                              value(Type::Int) + "]")}}},
-                    "end"};
+        default: {
+            const std::string added = random_.chance(20) ? name : "[" + value(Type::Int) + "]";
+            return {
+                {{"if len(" + name + ") < 12 then",
+                  {simple(name + (random_.chance(50) ? " += " : " = " + name + " + ") + added)}}},
+                "end"};
+        }
     }
 }
 
@@ -185,6 +254,11 @@ Statement Writer::elementAssignmentTo(const Variable& target) {
     const bool isList = target.type == Type::Ints;
     const std::string near = "[" + std::to_string(random_.between(-2, 2)) + "]";
     const std::string field = random_.chance(50) ? ".a" : "[" + key() + "]";
+    if (isWild_ && random_.chance(50)) {
+        return simple(target.name + (isList ? near : field) +
+                      random_.pick<std::string>({" = ", " += ", " -= ", " *= "}) +
+                      expression(Type::Int, Demand::Anything));
+    }
     if (random_.chance(40)) {  // a literal value leaves nothing to be ordered
         const std::string place =
             isList ? "[" + expression(Type::Int, Demand::Anything, 2) + " % 3]" : field;
@@ -212,8 +286,14 @@ Statement Writer::listChange() {
                          : list->type == Type::Texts ? Type::Text
                                                      : Type::Func;
     const std::string& name = list->name;
-    switch (random_.below(6)) {
+    switch (random_.below(7)) {
         case 0: return {{{"if len(" + name + ") > 1 then", {simple("pop(" + name + ")")}}}, "end"};
+        case 6:
+            return {{{"if len(" + name + ") > 2 then",
+                      {simple("print(len([remove_at(" + name + ", " +
+                              std::to_string(random_.between(-2, 2)) + "), pop(" + name + ")]), " +
+                              "assert(is_list(" + name + ")))")}}},
+                    "end"};
         case 1:
             if (element == Type::Func || random_.chance(80)) break;
             return simple("remove_at(" + name + ", " + index(Demand::Anything) + ")");
@@ -294,6 +374,11 @@ Statement Writer::numericFor(const Place& place) {
                       ? std::to_string(random_.between(-2, 6))
                       : "clamp(" + expression(Type::Int, Demand::Anything, 2) + ", -2, 6)");
         if (random_.chance(40)) bounds += ", " + sign + std::to_string(random_.between(1, 3));
+    } else if (isWild_ && random_.chance(50)) {
+        bounds = expression(random_.chance(50) ? Type::Int : Type::Float, Demand::Anything, 1) +
+                 ", " +
+                 expression(random_.chance(50) ? Type::Int : Type::Float, Demand::Anything, 1);
+        if (random_.chance(60)) bounds += ", " + expression(Type::Float, Demand::Anything, 1);
     } else {
         // With a float at the start the variable is a float on both engines; `max` keeps its
         // first argument where the other is NaN, which would tell the engines apart.
@@ -304,7 +389,7 @@ Statement Writer::numericFor(const Place& place) {
         }
     }
     scope_.openBlock();
-    scope_.declare({name, isInteger ? Type::Int : Type::Float, false, false, true});
+    scope_.declare({name, isInteger ? Type::Int : Type::Float, isWild_, false, true});
     Statement statement = {
         {{"for " + name + " = " + bounds + " do\n" + iterationGuard, loopBody(place)}}, "end"};
     scope_.closeBlock();
@@ -343,8 +428,9 @@ Statement Writer::returnStatement(const Place& place) {
 Statement Writer::tryStatement(const Place& place) {
     Statement statement;
     Place inside = place;
-    inside.canLeaveLoop = false;
-    const Ending ending = random_.chance(55)                         ? Ending::Failure
+    inside.canLeaveLoop = place.canLeaveLoop && isWild_;
+    const Ending ending = inside.canLeaveLoop && random_.chance(40)  ? Ending::LeaveLoop
+                          : random_.chance(55)                       ? Ending::Failure
                           : place.isInFunction && random_.chance(60) ? Ending::Return
                                                                      : Ending::Plain;
     Block body = block(inside, random_.between(0, 3), ending);

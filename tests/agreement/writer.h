@@ -1,7 +1,9 @@
 // The generator's inside: an object that writes one program. Expressions stand in expressions.cpp,
-// mistakes in mistakes.cpp, statements in statements.cpp and functions.cpp.
+// mistakes in mistakes.cpp, statements in statements.cpp and functions.cpp, and functions that are
+// hard on the machine's translator in dense.cpp.
 #pragma once
 
+#include "agreement/generator.h"
 #include "agreement/program.h"
 #include "agreement/random.h"
 #include "agreement/scope.h"
@@ -22,7 +24,10 @@ enum class Demand {
 
 class Writer {
 public:
-    explicit Writer(std::uint64_t seed) : random_(seed) {}
+    Writer(std::uint64_t seed, Ground ground)
+        : random_(seed),
+          isWild_(ground == Ground::MachineAlone),
+          scope_(isWild_ ? Scope::Rules::None : Scope::Rules::Agreeing) {}
     Block program();
 
 private:
@@ -55,6 +60,12 @@ private:
     // As `expression`, but no longer than what one variable should hold.
     std::string bounded(Type type, Demand demand, int depth = 3);
     std::string index(Demand demand);
+    std::string extremeInt();
+    std::string extremeFloat();
+    std::string rareInt(Demand demand, int depth);
+    std::string rareBool(Demand demand, int depth);
+    std::string rareText(Demand demand, int depth);
+    std::string rareInts(Demand demand, int depth);
     std::string key();
 
     // Something that fails, whatever is wanted of it.
@@ -86,6 +97,23 @@ private:
                            const Place& place);
     Block loopBody(const Place& place);
     Statement declare(Type type, const std::string& value, bool isShared);
+    Statement scratch();
+    Statement redeclaration();
+    Statement pairs(const Place& place);
+
+    // Functions with many locals, of which all are numbers.
+    struct Dense {
+        std::vector<std::string> numbers;    // variables
+        std::vector<std::string> functions;  // without parameters, that change some of those
+        int depth = 0;                       // of the statements around
+    };
+    Statement denseFunction();
+    Block denseBlock(Dense& dense, int count);
+    Statement denseStatement(Dense& dense);
+    Statement denseLoop(Dense& dense);
+    std::string denseNumber(Dense& dense, int depth);
+    std::string denseCondition(Dense& dense, int depth);
+    std::string denseText(Dense& dense);
 
     Type dataType();
     std::string newName(const char* kind) { return kind + std::to_string(++names_); }
@@ -95,6 +123,7 @@ private:
     std::string variationOf(const Variable& variable);
 
     Random random_;
+    bool isWild_;  // differences between the engines do not matter
     Scope scope_;
     int names_ = 0;
     int budget_ = 60;  // statements still to be written
@@ -104,6 +133,9 @@ private:
 
 // What bounds a run: the iterations and calls that a program may make.
 inline constexpr const char* fuelDeclaration = "let fuel = 300";
+// What functions with many locals read and change from outside.
+inline constexpr const char* counterDeclaration =
+    "let counter = 1\nfunction bump()\n    counter = counter + 1\n    return counter\nend";
 inline constexpr const char* iterationGuard = "    fuel -= 1\n    if fuel < 0 then break end";
 
 }  // namespace pellum::test
