@@ -8,6 +8,7 @@
 // tests/regression.
 #include "agreement/comparison.h"
 #include "agreement/generator.h"
+#include "support/expectations.h"
 #include "support/files.h"
 
 #include <gtest/gtest.h>
@@ -96,6 +97,50 @@ TEST(Agreement, ProgramsRunForAWhile) {
     }
     EXPECT_GE(finished, 60);
     EXPECT_GE(lines, 100u * 10);
+}
+
+// A known difference is noticed where both engines matter, and only there, and what does not belong
+// to it is left out.
+TEST(Agreement, FindsAreShrunk) {
+    const Block program = {
+        simple("let unused = [1, 2]"),
+        simple("let kept = []"),
+        {{{"for i = 1, 3 do",
+           {simple("push(unused, i)"), simple("push(kept, function() return i end)")}}},
+         "end"},
+        {{{"if len(unused) > 2 then", {simple("print(map(function(f) return f() end, kept))")}}},
+         "end"},
+    };
+    EXPECT_TRUE(compareEngines(textOf(program), Ground::MachineAlone).agrees());
+    ASSERT_FALSE(compareEngines(textOf(program), Ground::BothEngines).agrees());
+    EXPECT_EQ(textOf(shrink(program, Ground::BothEngines)),
+              "let kept = []\n"
+              "for i = 1, 3 do\n"
+              "    push(kept, function() return i end)\n"
+              "end\n"
+              "print(map(function(f) return f() end, kept))\n");
+}
+
+// What is saved of a find is a case that expects what the yardstick does.
+TEST(Agreement, FindsBecomeCases) {
+    for (const std::string source :
+         {"print(1)\nprint(\"  a \")\n", "let x = 1\n", "print(1)\nprint(nil + 1)\n", "pop([])\n",
+          "error(\"two\\nlines\")\n", "print(input(\"ask \"))\ninput(\"again\")\n",
+          "print(\"a\\nb # c\")\n"}) {
+        for (const Ground ground : {Ground::BothEngines, Ground::MachineAlone}) {
+            const std::string text = regressionCase(source, ground);
+            SCOPED_TRACE(text);
+            const Expectations expectations = expectationsOf(text);
+            const Engine engine = ground == Ground::BothEngines ? Engine::Tree : Engine::Vm;
+            EXPECT_EQ(expectations.onlyEngine.has_value(), ground == Ground::MachineAlone);
+            const Outcome given = playInProcess(onEngine(engine, {"-c", text}), expectations.input);
+            std::string output;
+            for (const ExpectedLine& line : expectations.on(engine).output) output += line.text;
+            EXPECT_EQ(given.output, output);
+            const auto& error = expectations.on(engine).error;
+            EXPECT_EQ(given.errors, error ? wantedErrors(*error, text, "<-c>") : "");
+        }
+    }
 }
 
 }  // namespace
