@@ -16,7 +16,7 @@ namespace pellum::fuzz {
 
 namespace {
 
-constexpr int steps = 250;
+constexpr int steps = 400;
 constexpr std::size_t singleAllocation = std::size_t{256} << 10;
 constexpr std::size_t allAllocations = std::size_t{16} << 20;
 constexpr std::size_t outputLimit = std::size_t{32} << 10;

@@ -1,4 +1,5 @@
 // The targets that run programs.
+#include "agreement/generator.h"
 #include "fuzz/common_ground.h"
 #include "fuzz/fuel.h"
 #include "fuzz/playing.h"
@@ -10,6 +11,7 @@
 #include "parser/parser.h"
 
 #include <optional>
+#include <utility>
 
 namespace pellum::fuzz {
 
@@ -51,32 +53,43 @@ bool ranOutOfStack(const Played& played) {
            played.ending.find(message) != std::string::npos;
 }
 
-}  // namespace
-
-void fuzzProgram(Bytes input) {
-    const std::string_view source = textOf(input);
-    auto program = parsed(source);
-    if (!program) return;
-    boundSteps(*program);
-    play(Engine::Tree, *program, source);
-    if (!compiles(*program)) return;
-    requireSame(play(Engine::Register, *program, source), play(Engine::Stack, *program, source),
+void compareCodes(Block program, std::string_view source) {
+    boundSteps(program);
+    play(Engine::Tree, program, source);
+    if (!compiles(program)) return;
+    requireSame(play(Engine::Register, program, source), play(Engine::Stack, program, source),
                 "register code and stack code");
 }
 
-void fuzzEngines(Bytes input) {
-    const std::string_view source = textOf(input);
-    auto program = parsed(source);
-    if (!program || !moveToCommonGround(*program)) return;
-    boundSteps(*program);
-    if (!compiles(*program)) return;
-    Played tree = play(Engine::Tree, *program, source);
-    Played vm = play(Engine::Register, *program, source);
+void compareEngines(Block program, std::string_view source) {
+    if (!moveToCommonGround(program)) return;
+    boundSteps(program);
+    if (!compiles(program)) return;
+    Played tree = play(Engine::Tree, program, source);
+    Played vm = play(Engine::Register, program, source);
     // How deep recursion may go is each engine's own affair.
     if (ranOutOfStack(tree) || ranOutOfStack(vm)) return;
     tree.ending = evenMessage(tree.ending);
     vm.ending = evenMessage(vm.ending);
     requireSame(tree, vm, "the tree-walker and the virtual machine");
+}
+
+}  // namespace
+
+void fuzzProgram(Bytes input) {
+    if (auto program = parsed(textOf(input))) compareCodes(std::move(*program), textOf(input));
+}
+
+void fuzzEngines(Bytes input) {
+    if (auto program = parsed(textOf(input))) compareEngines(std::move(*program), textOf(input));
+}
+
+void fuzzValid(Bytes input) {
+    if (input.empty()) return;
+    const std::string source = test::textOf(test::generateProgram(input.subspan(1)));
+    auto program = parsed(source);
+    require(program.has_value(), "a generated program is valid:\n", source);
+    (input[0] % 2 == 0 ? compareCodes : compareEngines)(std::move(*program), source);
 }
 
 }  // namespace pellum::fuzz

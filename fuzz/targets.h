@@ -47,15 +47,18 @@ void fuzzProgram(Bytes input);
 // Any program, rewritten so that it stays clear of the known differences, does the same on the
 // tree-walker and on the virtual machine.
 void fuzzEngines(Bytes input);
+// As the last two, with valid programs that the bytes decide about.
+void fuzzValid(Bytes input);
 // Any session at the prompt ends with status 0.
 void fuzzPrompt(Bytes input);
 // Numbers as text and back, beside the C library.
 void fuzzNumber(Bytes input);
 
 inline constexpr Target targets[] = {
-    {"lexer", fuzzLexer, "code", true},     {"parser", fuzzParser, "code", true},
-    {"program", fuzzProgram, "code", true}, {"engines", fuzzEngines, "code", true},
-    {"prompt", fuzzPrompt, "prompt", true}, {"number", fuzzNumber, "number", false},
+    {"lexer", fuzzLexer, "code", true},      {"parser", fuzzParser, "code", true},
+    {"program", fuzzProgram, "code", true},  {"engines", fuzzEngines, "code", true},
+    {"valid", fuzzValid, "valid", false},    {"prompt", fuzzPrompt, "prompt", true},
+    {"number", fuzzNumber, "number", false},
 };
 
 }  // namespace pellum::fuzz

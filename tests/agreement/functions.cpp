@@ -110,4 +110,31 @@ Statement Writer::callback(const Place& place) {
     return statement;
 }
 
+// A recursion without end, which has to end at the same depth with either code of the machine:
+// after so many calls or so many values on the stack.
+Statement Writer::depthProbe() {
+    const std::string reached = newName("v"), name = newName("f"), caught = newName("c");
+    const std::string deeper = name + "(n + 1)";
+    std::string waiting = "n";
+    for (int i = random_.below(40); i > 0; --i) waiting += ", n";
+    Block body = {simple(reached + " = n")};
+    for (int i = random_.below(4); i > 0; --i) {
+        body.push_back(simple("let " + newName("v") + " = n * 0.5"));
+    }
+    const std::string result = random_.pick<std::string>(
+        {deeper, "1 + " + deeper, "[" + waiting + ", " + deeper + "]",
+         "max(" + waiting + ", " + deeper + ")", "{a: [" + waiting + "], b: " + deeper + "}",
+         "\"${n}${" + deeper + "}\"", "n > 0 and " + deeper + " or " + deeper});
+    if (random_.chance(30)) {
+        body.push_back({{{"try", {simple("return " + result)}},
+                         {"catch " + caught, {simple("error(" + caught + " + \"!\")")}}},
+                        "end"});
+    } else {
+        body.push_back(simple("return " + result));
+    }
+    return {{{"let " + reached + " = 0\nfunction " + name + "(n)", std::move(body)}},
+            "end\ntry\n    " + name + "(1)\ncatch " + caught + "\n    print(len(" + caught +
+                "), slice(" + caught + ", 0, 40), " + reached + ")\nend"};
+}
+
 }  // namespace pellum::test

@@ -6,6 +6,7 @@
 #include "agreement/program.h"
 
 #include <cstdint>
+#include <span>
 
 namespace pellum::test {
 
@@ -17,5 +18,8 @@ Ground groundOf(std::uint64_t seed);
 
 // The same program for the same seed, as long as the same compiler has built the generator.
 Block generateProgram(std::uint64_t seed);
+
+// A smaller program that bytes decide about, for fuzzers. It goes where the engines differ.
+Block generateProgram(std::span<const std::uint8_t> choices);
 
 }  // namespace pellum::test

@@ -17,9 +17,16 @@ Ground groundOf(std::uint64_t seed) {
     return seed % 4 == 3 ? Ground::MachineAlone : Ground::BothEngines;
 }
 
-Block generateProgram(std::uint64_t seed) { return Writer(seed, groundOf(seed)).program(); }
+Block generateProgram(std::uint64_t seed) {
+    return Writer(Random(seed), groundOf(seed)).program(60);
+}
 
-Block Writer::program() {
+Block generateProgram(std::span<const std::uint8_t> choices) {
+    return Writer(Random(choices), Ground::MachineAlone).program(12);
+}
+
+Block Writer::program(int size) {
+    budget_ = size;
     Block program = {simple(fuelDeclaration), simple(counterDeclaration)};
     // Something of each kind to work with.
     for (const Type type : {Type::Int, Type::Int, Type::Float, Type::Bool, Type::Text, Type::Ints,
@@ -36,6 +43,7 @@ Block Writer::program() {
         program.push_back(denseFunction());
         program.push_back(simple("fuel = 300"));
     }
+    if (isWild_ && random_.chance(15)) program.push_back(depthProbe());
     const Place top;
     while (budget_ > 0) {
         // Most failures are caught, so that the program goes on.

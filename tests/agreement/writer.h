@@ -24,11 +24,12 @@ enum class Demand {
 
 class Writer {
 public:
-    Writer(std::uint64_t seed, Ground ground)
-        : random_(seed),
+    Writer(Random random, Ground ground)
+        : random_(random),
           isWild_(ground == Ground::MachineAlone),
           scope_(isWild_ ? Scope::Rules::None : Scope::Rules::Agreeing) {}
-    Block program();
+    // With about so many statements.
+    Block program(int size);
 
 private:
     // Where a statement stands.
@@ -93,6 +94,7 @@ private:
     Statement function(const Place& place);
     Statement closure(const Place& place);
     Statement callback(const Place& place);
+    Statement depthProbe();
     Statement functionBody(std::string head, std::string closing, const Signature& signature,
                            const Place& place);
     Block loopBody(const Place& place);
@@ -126,7 +128,7 @@ private:
     bool isWild_;  // differences between the engines do not matter
     Scope scope_;
     int names_ = 0;
-    int budget_ = 60;  // statements still to be written
+    int budget_ = 0;  // statements still to be written
     bool insideInterpolation_ = false;
     int insideLambdas_ = 0;  // whose bodies burn no fuel, so must not call values
 };
