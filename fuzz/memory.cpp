@@ -2,6 +2,7 @@
 
 #include <malloc.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <new>
 
@@ -15,8 +16,11 @@ struct Budget {
 };
 
 Budget budget;
+bool (*judge)() noexcept = nullptr;
+std::atomic<std::int64_t> blocks = 0;
 
 void* allocateOrNull(std::size_t size) noexcept {
+    if (judge && !judge()) return nullptr;
     if (budget.isSet) {
         const auto wanted = static_cast<std::ptrdiff_t>(size);
         if (wanted < 0 || wanted > budget.single || wanted > budget.left) {
@@ -25,7 +29,9 @@ void* allocateOrNull(std::size_t size) noexcept {
         }
     }
     void* const memory = std::malloc(size ? size : 1);
-    if (memory && budget.isSet) {
+    if (!memory) return nullptr;
+    blocks.fetch_add(1, std::memory_order_relaxed);
+    if (budget.isSet) {
         budget.left -= static_cast<std::ptrdiff_t>(malloc_usable_size(memory));
     }
     return memory;
@@ -38,6 +44,8 @@ void* allocate(std::size_t size) {
 }
 
 void release(void* memory) noexcept {
+    if (!memory) return;
+    blocks.fetch_sub(1, std::memory_order_relaxed);
     if (budget.isSet) budget.left += static_cast<std::ptrdiff_t>(malloc_usable_size(memory));
     std::free(memory);
 }
@@ -68,5 +76,9 @@ MemoryBudget::MemoryBudget(std::size_t single, std::size_t total) noexcept {
 MemoryBudget::~MemoryBudget() { budget.isSet = false; }
 
 bool MemoryBudget::wasExceeded() const noexcept { return budget.wasExceeded; }
+
+void setAllocationJudge(bool (*grants)() noexcept) noexcept { judge = grants; }
+
+std::int64_t liveBlocks() noexcept { return blocks.load(std::memory_order_relaxed); }
 
 }  // namespace pellum::fuzz

@@ -1,8 +1,10 @@
-// What keeps a program that grows from exhausting a fuzzer: while a budget exists, allocations
-// beyond it are refused as the system would refuse them.
+// The memory of the fuzzers and of the tests: every `operator new` goes through here. A budget
+// keeps a program that grows from exhausting a fuzzer, and a judge lets tests refuse what they
+// choose; both refuse as the system would.
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 namespace pellum::fuzz {
 
@@ -18,5 +20,11 @@ public:
     // Whether anything has been refused.
     bool wasExceeded() const noexcept;
 };
+
+// Asked before each allocation, from now on, whether it is granted. Null: nobody is asked.
+void setAllocationJudge(bool (*grants)() noexcept) noexcept;
+
+// Blocks that have been allocated and not yet given back.
+std::int64_t liveBlocks() noexcept;
 
 }  // namespace pellum::fuzz

@@ -193,8 +193,9 @@ void checkLiteral(const std::string& text) {
     try {
         const auto tokens = tokenize(text);
         if (tokens[0].kind != TokenKind::Number) return;
-        require(areSame(tokens[0].number, std::strtod(tokens[0].text.c_str(), nullptr)),
-                "the literal ", tokens[0].text);
+        const std::string literal(tokens[0].text);
+        require(areSame(tokens[0].number, std::strtod(literal.c_str(), nullptr)), "the literal ",
+                literal);
     } catch (const std::exception&) {
     }
 }

@@ -36,7 +36,7 @@ public:
         std::size_t copied = start;
         for (const Token& token : tokens) {
             if (token.kind == TokenKind::Name && token.text == fuel) isPlayable_ = false;
-            for (const StringPart& piece : token.parts) {
+            for (const StringPart& piece : token.parts()) {
                 if (piece.text.find("function") != piece.text.npos ||
                     piece.text.find(fuel) != piece.text.npos) {
                     isPlayable_ = false;

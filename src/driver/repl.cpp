@@ -41,12 +41,13 @@ std::int64_t constructsOpenedBy(const std::vector<Token>& tokens) {
 
 // Lexes the code inside strings, which the parser does later, for what is no error of the program
 // and so must not wait for the rest of an open input: a number that no double holds.
-void checkInterpolations(const std::vector<Token>& tokens) {
+void checkInterpolations(const std::vector<Token>& tokens, int depth = 0) {
+    if (depth == maxInterpolationDepth) return;
     for (const Token& token : tokens) {
         for (const StringPart& piece : token.parts()) {
             if (piece.kind != StringPart::Kind::Expression) continue;
             try {
-                checkInterpolations(tokenize(piece.text));
+                checkInterpolations(tokenize(piece.text), depth + 1);
             } catch (const LexError&) {
                 // waits for the rest, as all errors of the program do
             }

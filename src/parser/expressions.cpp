@@ -46,10 +46,6 @@ constexpr auto bindingByKind = [] {
     return table;
 }();
 
-// Every "${...}" is lexed once for each string around it, so their nesting is bounded for the sake
-// of time, long before it could fill the host's stack.
-constexpr int maxInterpolationDepth = 1000;
-
 // Texts up to this length are shared by all who spell them; longer ones are seldom keys.
 constexpr std::size_t maxInternedLength = 64;
 

@@ -6,6 +6,10 @@
 
 namespace pellum {
 
+// Every "${...}" is lexed once for each string around it, so their nesting is bounded for the sake
+// of time, long before it could fill the host's stack.
+inline constexpr int maxInterpolationDepth = 1000;
+
 // The program that `tokens` spell. REQUIRES: the last token, and no other, is the end of file.
 // Throws ParseError, also for nesting that the host's stack cannot hold, and what `tokenize` throws
 // for the code inside interpolated strings.

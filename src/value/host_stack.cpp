@@ -44,7 +44,16 @@ struct StackBounds {
 
 #if defined(__unix__)
 
+// The stack that recursion may use: a quarter of the address space where that is limited, since
+// each call needs memory beside the stack too, and so does the error that ends it.
+std::size_t grantedStack() noexcept {
+    rlimit limit{};
+    if (getrlimit(RLIMIT_AS, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY) return wantedStack;
+    return static_cast<std::size_t>(std::min<rlim_t>(limit.rlim_cur / 4, wantedStack));
+}
+
 StackBounds boundsOfThisThread(std::uintptr_t frame) noexcept {
+    const std::size_t granted = grantedStack();
     pthread_attr_t attributes;
     void* start = nullptr;
     std::size_t size = 0;
@@ -57,24 +66,26 @@ StackBounds boundsOfThisThread(std::uintptr_t frame) noexcept {
     if (start) {
         const auto bottom = reinterpret_cast<std::uintptr_t>(start);
         const std::uintptr_t top = bottom + size;
-        const std::uintptr_t wanted = top - std::min<std::uintptr_t>(top, wantedStack);
-        return {std::max(bottom, wanted), reserve(size)};
+        const std::uintptr_t wanted = top - std::min<std::uintptr_t>(top, granted);
+        return {std::max(bottom, wanted), reserve(std::min(size, granted))};
     }
     // Only for the first thread it has to look into a file, which may be out of reach. Then a
     // quarter is left to the arguments and the environment, as the system does.
     rlimit limit{};
-    std::size_t granted = std::size_t{128} << 10;
+    size = std::size_t{128} << 10;
     if (getrlimit(RLIMIT_STACK, &limit) == 0) {
-        granted = static_cast<std::size_t>(std::min<rlim_t>(limit.rlim_cur, wantedStack)) / 4 * 3;
+        size = static_cast<std::size_t>(std::min<rlim_t>(limit.rlim_cur, granted)) / 4 * 3;
     }
-    return {frame - std::min<std::uintptr_t>(frame, granted), reserve(granted)};
+    return {frame - std::min<std::uintptr_t>(frame, size), reserve(size)};
 }
 
-// Whether the stack reaches down to `address`, or can be made to. Where memory or address space is
-// used up the system does not let it grow, and kills who touches what is missing; but a system call
-// that is to write there merely fails.
-// REQUIRES: the address is between the bounds of the stack and what is in use.
+// Whether the stack reaches down to `address`, or can be made to. Where the address space is
+// limited and used up the system does not let it grow, and kills who touches what is missing; but a
+// system call that is to write there merely fails. Elsewhere nothing has to be tried out. REQUIRES:
+// the address is between the bounds of the stack and what is in use.
 bool stackReaches(std::uintptr_t address) noexcept {
+    rlimit space{};
+    if (getrlimit(RLIMIT_AS, &space) == 0 && space.rlim_cur == RLIM_INFINITY) return true;
     constexpr std::uintptr_t alignment = 64;
     const std::uintptr_t aligned = (address / alignment + 1) * alignment;
     // NOLINTNEXTLINE(performance-no-int-to-ptr): there is no object there yet to point to

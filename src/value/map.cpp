@@ -83,7 +83,8 @@ void MapData::set(const Value& key, Value&& value) {
     if (entries_.size() == maxPosition) throw std::bad_alloc();
     // The index is made ready first, so that a refused allocation leaves the map as it was.
     if (needsIndexFor(entries_.size() + 1)) {
-        if (gaps_ > 0) closeGaps();
+        // Closing a few gaps would not last: the next entries would soon ask for it again.
+        if (gaps_ > entries_.size() / 4) closeGaps();
         if (needsIndexFor(entries_.size() + 1)) rebuildIndex(slotsFor(entries_.size() + 1));
     }
     entries_.push_back({key, std::move(value)});

@@ -2,6 +2,20 @@
 
 #if !defined(PELLUM_NO_POOLS)
 
+#include <atomic>
+
+namespace pellum {
+
+namespace {
+
+std::atomic<std::size_t> blocks = 0;
+
+}  // namespace
+
+std::size_t cellBlocks() noexcept { return blocks.load(std::memory_order_relaxed); }
+
+}  // namespace pellum
+
 namespace pellum::detail {
 
 namespace {
@@ -24,6 +38,7 @@ void* allocateFreshCell(std::size_t size) {
     if (static_cast<std::size_t>(unusedEnd - unused) < rounded) {
         unused = static_cast<char*>(::operator new(blockSize));
         unusedEnd = unused + blockSize;
+        blocks.fetch_add(1, std::memory_order_relaxed);
     }
     void* const cell = unused;
     unused += rounded;

@@ -14,6 +14,7 @@ namespace pellum {
 
 inline void* allocateCell(std::size_t size) { return ::operator new(size); }
 inline void releaseCell(void* cell, std::size_t) noexcept { ::operator delete(cell); }
+inline std::size_t cellBlocks() noexcept { return 0; }
 
 #else
 
@@ -52,6 +53,9 @@ inline void releaseCell(void* cell, std::size_t size) noexcept {
     detail::FreeCell*& first = detail::freeCells[(size + detail::cellStep - 1) / detail::cellStep];
     first = new (cell) detail::FreeCell{first};
 }
+
+// How many blocks all threads have taken to carve cells from.
+std::size_t cellBlocks() noexcept;
 
 #endif
 

@@ -106,13 +106,14 @@ private:
         const char* const target = stmt.target->exprKind() == ExprKind::Name    ? "name"
                                    : stmt.target->exprKind() == ExprKind::Index ? "element"
                                                                                 : "field";
-        note(std::string(target) + " " + stmt.op + "=");
+        note(std::string(target) + " " + std::string(stmt.op) + "=");
     }
 
     void expression(Expr& expr, Around around) {
         note("expression " + std::to_string(expr.kind));
-        if (expr.exprKind() == ExprKind::Binary) note("a " + as<BinaryExpr>(expr).op + " b");
-        if (expr.exprKind() == ExprKind::Unary) note(as<UnaryExpr>(expr).op + " a");
+        if (expr.exprKind() == ExprKind::Binary)
+            note("a " + std::string(as<BinaryExpr>(expr).op) + " b");
+        if (expr.exprKind() == ExprKind::Unary) note(std::string(as<UnaryExpr>(expr).op) + " a");
         if (expr.exprKind() == ExprKind::Call) {
             const Expr& callee = *as<CallExpr>(expr).callee;
             if (callee.exprKind() == ExprKind::Name) {
@@ -129,7 +130,8 @@ TEST(Agreement, ProgramsAreMadeOfEverything) {
     Explorer explorer;
     std::set<TokenKind> tokens;
     for (std::uint64_t seed = 1; seed <= programs; ++seed) {
-        auto found = tokenize(textOf(generateProgram(seed)));
+        const std::string source = textOf(generateProgram(seed));
+        auto found = tokenize(source);
         for (const Token& token : found) tokens.insert(token.kind);
         auto program = parse(std::move(found));
         explorer.program(program);

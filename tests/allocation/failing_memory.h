@@ -2,9 +2,13 @@
 // of the program goes through here, is counted, and fails when its turn has come.
 #pragma once
 
+#include "fuzz/memory.h"
+
 #include <cstdint>
 
 namespace pellum::test {
+
+using fuzz::liveBlocks;
 
 // What fails once the chosen allocation is reached.
 enum class Failing {
@@ -24,8 +28,5 @@ public:
     // Allocations so far, failed ones included.
     std::uint64_t allocations() const noexcept;
 };
-
-// Blocks that have been allocated and not yet given back, in all threads.
-std::int64_t liveBlocks() noexcept;
 
 }  // namespace pellum::test

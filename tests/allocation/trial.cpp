@@ -1,6 +1,7 @@
 #include "allocation/trial.h"
 
 #include "driver/run_main.h"
+#include "value/pool.h"
 
 #include <istream>
 #include <memory>
@@ -35,12 +36,17 @@ struct Result {
     bool escaped = false;  // something has left the program as an exception
 };
 
+// Blocks in use, without those that cells are carved from, which are kept for the next run.
+std::int64_t blocksInUse() noexcept {
+    return liveBlocks() - static_cast<std::int64_t>(cellBlocks());
+}
+
 Result play(const Call& call, std::uint64_t nth, Failing failing) {
     static Sink output, errors;
     output.clear();
     errors.clear();
     Result result;
-    const std::int64_t before = liveBlocks();
+    const std::int64_t before = blocksInUse();
     {
         std::istringstream in(call.input);
         std::ostream out(&output), err(&errors);
@@ -53,7 +59,7 @@ Result play(const Call& call, std::uint64_t nth, Failing failing) {
         }
         result.allocations = trial.allocations();
     }
-    result.leftBlocks = liveBlocks() - before;
+    result.leftBlocks = blocksInUse() - before;
     result.outcome.output = output.text();
     result.outcome.errors = errors.text();
     return result;
@@ -118,10 +124,10 @@ std::optional<std::string> Trials::fail(std::uint64_t nth, Failing failing) {
 std::optional<std::string> Trials::failInFreshThread(std::uint64_t nth, Failing failing) {
     const auto playApart = [&] {
         Result result;
-        const std::int64_t before = liveBlocks();
+        const std::int64_t before = blocksInUse();
         std::thread([&] { result = play(call_, nth, failing); }).join();
         const std::int64_t held = heldBy(result.outcome.output) + heldBy(result.outcome.errors);
-        result.leftBlocks = liveBlocks() - before - held;
+        result.leftBlocks = blocksInUse() - before - held;
         return result;
     };
     return failBy(playApart, nth, failing);
