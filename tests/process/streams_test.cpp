@@ -57,7 +57,7 @@ TEST(Streams, OutputThatDoesNotBlockIsComplete) {
         process.started = [](pid_t) { usleep(200'000); };
         std::string wanted;
         for (int i = 1; i <= 100'000; ++i) wanted += std::to_string(i) + "\n";
-        wanted += std::string(1'000'000, 'x') + "\n";
+        wanted.append(1'000'000, 'x') += '\n';
         const Outcome outcome = process.run();
         EXPECT_EQ(outcome.status, 1);
         EXPECT_TRUE(outcome.output == wanted);
