@@ -115,6 +115,10 @@ Outcome Process::run() const {
         dup2(in.readEnd.number(), STDIN_FILENO);
         dup2(output, STDOUT_FILENO);
         dup2(mergesErrors ? output : errors.writeEnd.number(), STDERR_FILENO);
+        // Whatever our own caller has left open must not count against a limit on files.
+        for (int inherited = STDERR_FILENO + 1; inherited < 256; ++inherited) {
+            fcntl(inherited, F_SETFD, FD_CLOEXEC);
+        }
         if (chdir(folder.c_str()) != 0 || (prepare && !prepare())) _exit(126);
         execv(executable.c_str(), argumentPointers.data());
         _exit(127);
