@@ -84,6 +84,9 @@ const char* Surroundings::whyImpossible() const {
     for (const Limit& limit : limits) {
         const bool isMemory = limit.resource == RLIMIT_AS || limit.resource == RLIMIT_DATA;
         if (isMemory && usesAddressSanitizer) return "the address sanitizer takes all addresses";
+        if (limit.resource == RLIMIT_NOFILE && usesAddressSanitizer) {
+            return "the sanitizers open pipes of their own";
+        }
         rlimit both{};
         if (getrlimit(limit.resource, &both) == 0 && limit.value > both.rlim_max &&
             limit.value != RLIM_INFINITY) {
