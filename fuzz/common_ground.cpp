@@ -18,26 +18,26 @@ namespace {
 constexpr std::size_t maxVariables = 200;
 
 // Evens out a caught message, before a program can look at its letters.
-Value evenCaught(Caller&, std::vector<Value>& args) {
+Value evenCaught(Caller&, Arguments args) {
     return args[0].isString() ? Value(evenMessage(args[0].asText())) : args[0];
 }
 
 // The engines count alike with integers that doubles hold, and only with these.
-Value plainBound(Caller&, std::vector<Value>& args) {
+Value plainBound(Caller&, Arguments args) {
     constexpr std::int64_t limit = std::int64_t{1} << 52;
     const bool isPlain = args[0].isInt() && args[0].asInt() >= -limit && args[0].asInt() <= limit;
     if (!isPlain) throw CutShort{"a loop over other numbers"};
     return args[0];
 }
 
-Value plainStep(Caller& caller, std::vector<Value>& args) {
+Value plainStep(Caller& caller, Arguments args) {
     plainBound(caller, args);
     if (args[0].asInt() == 0) throw CutShort{"a loop without a step"};
     return args[0];
 }
 
 // Notices a bad key where it is written, as one engine does, not when the map is made.
-Value checkedKey(Caller&, std::vector<Value>& args) {
+Value checkedKey(Caller&, Arguments args) {
     if (!args[0].isString() && !args[0].isNumber()) {
         throw RuntimeError(std::string("map keys must be string or number, got ") +
                            typeName(args[0]));

@@ -12,16 +12,16 @@ namespace {
 
 int stepsLeft = 0;
 
-Value burn(Caller&, std::vector<Value>&) {
+Value burn(Caller&, Arguments) {
     if (--stepsLeft < 0) throw CutShort{"out of fuel"};
     return {};
 }
 
-Value steadyClock(Caller&, std::vector<Value>&) { return Value(1.5); }
-Value steadyRandom(Caller&, std::vector<Value>&) { return Value(0.625); }
+Value steadyClock(Caller&, Arguments) { return Value(1.5); }
+Value steadyRandom(Caller&, Arguments) { return Value(0.625); }
 
 // Fails as the builtin does.
-Value steadyRandint(Caller& caller, std::vector<Value>& args) {
+Value steadyRandint(Caller& caller, Arguments args) {
     for (const Builtin& row : builtinCatalogue()) {
         if (std::string_view(row.name) != "randint") continue;
         const Value low = args[0];

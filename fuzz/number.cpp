@@ -135,7 +135,9 @@ std::string resultOf(const Builtin& builtin, std::vector<Value> args) {
     static Console console(in, out);
     static Nobody nobody(console);
     try {
-        return toReprString(builtin.fn(nobody, args));
+        const Value result = builtin.fn(nobody, args);
+        if (nobody.hasFailed()) nobody.throwFailure();
+        return toReprString(result);
     } catch (const RuntimeError& error) {
         return error.message;
     }

@@ -52,8 +52,8 @@ void checkStringLength(std::size_t length) {
     if (length > maxStringLength) failTooLarge();
 }
 
-Arguments pairOf(Value first, Value second) {
-    Arguments both;
+std::vector<Value> pairOf(Value first, Value second) {
+    std::vector<Value> both;
     both.reserve(2);
     both.push_back(std::move(first));
     both.push_back(std::move(second));

@@ -9,8 +9,6 @@
 
 namespace pellum {
 
-using Arguments = std::vector<Value>;
-
 // What separates words, and may stand around a number.
 inline constexpr std::string_view whiteSpace = " \t\n\v\f\r";
 
@@ -44,7 +42,7 @@ void checkListLength(std::size_t length);
 void checkStringLength(std::size_t length);
 
 // Two values as the elements of a list or the arguments of a call.
-Arguments pairOf(Value first, Value second);
+std::vector<Value> pairOf(Value first, Value second);
 
 // The display form of an argument, without a copy where the argument is a string.
 // REQUIRES: the argument outlives it.

@@ -16,7 +16,7 @@ std::int64_t firstEqual(const std::vector<Value>& elements, const Value& sought)
 }
 
 // A bound of `slice`, brought into 0 .. length. One that is missing or nil is `otherwise`.
-std::size_t sliceBound(const Arguments& args, std::size_t which, std::size_t length,
+std::size_t sliceBound(Arguments args, std::size_t which, std::size_t length,
                        std::size_t otherwise) {
     if (args.size() <= which || args[which].isNil()) return otherwise;
     const Value& bound = args[which];
@@ -34,7 +34,7 @@ std::size_t repeatedLength(std::size_t unitLength, std::size_t times, std::size_
 
 }  // namespace
 
-Value len(Caller&, Arguments& args) {
+Value len(Caller&, Arguments args) {
     const Value& x = args[0];
     switch (x.kind()) {
         case ValueKind::String: return Value(x.asString().length());
@@ -44,7 +44,7 @@ Value len(Caller&, Arguments& args) {
     }
 }
 
-Value has(Caller&, Arguments& args) {
+Value has(Caller&, Arguments args) {
     const Value& collection = args[0];
     const Value& sought = args[1];
     switch (collection.kind()) {
@@ -58,7 +58,7 @@ Value has(Caller&, Arguments& args) {
     }
 }
 
-Value get(Caller&, Arguments& args) {
+Value get(Caller&, Arguments args) {
     const Value& collection = args[0];
     const Value& key = args[1];
     const Value* found = nullptr;
@@ -75,7 +75,7 @@ Value get(Caller&, Arguments& args) {
     return args.size() > 2 ? args[2] : Value();
 }
 
-Value slice(Caller&, Arguments& args) {
+Value slice(Caller&, Arguments args) {
     const Value& x = args[0];
     if (x.isString()) {
         const std::string_view text = x.asText();
@@ -91,7 +91,7 @@ Value slice(Caller&, Arguments& args) {
     return makeList(std::vector<Value>(elements.data() + start, elements.data() + end));
 }
 
-Value reverse(Caller&, Arguments& args) {
+Value reverse(Caller&, Arguments args) {
     const Value& x = args[0];
     if (x.isString()) {
         const std::string_view text = x.asText();
@@ -102,7 +102,7 @@ Value reverse(Caller&, Arguments& args) {
     return makeList(std::vector<Value>(elements.rbegin(), elements.rend()));
 }
 
-Value find(Caller&, Arguments& args) {
+Value find(Caller&, Arguments args) {
     const Value& collection = args[0];
     const Value& sought = args[1];
     if (collection.isString()) {
@@ -113,14 +113,14 @@ Value find(Caller&, Arguments& args) {
     return Value(firstEqual(listArg(collection, "find: expected a list or string"), sought));
 }
 
-Value copy(Caller&, Arguments& args) {
+Value copy(Caller&, Arguments args) {
     const Value& x = args[0];
     if (x.isList()) return makeList(x.asList().items);
     if (x.isMap()) return Value(x.asMap().copy());
     return x;
 }
 
-Value repeat(Caller&, Arguments& args) {
+Value repeat(Caller&, Arguments args) {
     const Value& x = args[0];
     const std::int64_t wanted = truncatedArg(args[1], "repeat");
     const std::size_t times = wanted < 0 ? 0 : static_cast<std::size_t>(wanted);

@@ -7,17 +7,17 @@
 namespace pellum::library {
 
 // The builtin `assert`.
-Value raiseUnless(Caller&, Arguments& args) {
+Value raiseUnless(Caller& caller, Arguments args) {
     if (isTruthy(args[0])) return std::move(args[0]);
-    throw RuntimeError(args.size() > 1 ? toDisplayString(args[1]) : "assertion failed");
+    return caller.leaveError(args.size() > 1 ? toDisplayString(args[1]) : "assertion failed");
 }
 
 // The builtin `error`.
-Value raise(Caller&, Arguments& args) {
-    throw ThrownValue{args.empty() ? Value("error") : std::move(args[0])};
+Value raise(Caller& caller, Arguments args) {
+    return caller.leaveThrown(args.empty() ? Value("error") : std::move(args[0]));
 }
 
-Value clock(Caller&, Arguments&) {
+Value clock(Caller&, Arguments) {
     const std::chrono::duration<double> now = std::chrono::steady_clock::now().time_since_epoch();
     return Value(now.count());
 }

@@ -43,7 +43,7 @@ std::string inQuotes(std::string_view text) {
     return quoted;
 }
 
-[[noreturn]] void failConversion(const char* name, const Value& given, const char* target) {
+Value failConversion(Caller& caller, const char* name, const Value& given, const char* target) {
     std::string message(name);
     message += ": cannot convert ";
     if (given.isString()) {
@@ -53,7 +53,7 @@ std::string inQuotes(std::string_view text) {
     }
     message += " to ";
     message += target;
-    throw RuntimeError(std::move(message));
+    return caller.leaveError(message);
 }
 
 Value inBase(std::int64_t n, int base, std::string_view prefix) {
@@ -68,47 +68,47 @@ Value inBase(std::int64_t n, int base, std::string_view prefix) {
 
 }  // namespace
 
-Value type(Caller&, Arguments& args) { return Value(typeName(args[0])); }
+Value type(Caller&, Arguments args) { return Value(typeName(args[0])); }
 
-Value str(Caller&, Arguments& args) {
+Value str(Caller&, Arguments args) {
     if (args[0].isString()) return std::move(args[0]);
     return Value(toDisplayString(args[0]));
 }
 
-Value repr(Caller&, Arguments& args) { return Value(toReprString(args[0])); }
+Value repr(Caller&, Arguments args) { return Value(toReprString(args[0])); }
 
-Value toNumber(Caller&, Arguments& args) {
+Value toNumber(Caller& caller, Arguments args) {
     const Value& given = args[0];
     if (given.isNumber()) return given;
     if (given.isBool()) return Value(given.asBool() ? 1 : 0);
     Value parsed = given.isString() ? parseWholeNumber(given.asText()) : Value();
-    if (parsed.isNil()) failConversion("num", given, "a number");
+    if (parsed.isNil()) return failConversion(caller, "num", given, "a number");
     return parsed;
 }
 
-Value toInteger(Caller&, Arguments& args) {
+Value toInteger(Caller& caller, Arguments args) {
     const Value& given = args[0];
     if (given.isInt()) return given;
     if (given.isFloat()) return Value(truncateToInt(given.asFloat()));
     if (given.isBool()) return Value(given.asBool() ? 1 : 0);
     Value parsed = given.isString() ? parseWholeNumber(given.asText()) : Value();
-    if (parsed.isNil()) failConversion("int", given, "an integer");
+    if (parsed.isNil()) return failConversion(caller, "int", given, "an integer");
     return parsed.isFloat() ? Value(truncateToInt(parsed.asFloat())) : parsed;
 }
 
-Value toFloat(Caller&, Arguments& args) {
+Value toFloat(Caller& caller, Arguments args) {
     const Value& given = args[0];
     if (given.isNumber()) return Value(given.asNumber());
     if (given.isBool()) return Value(given.asBool() ? 1.0 : 0.0);
     std::optional<double> parsed;
     if (given.isString()) parsed = parseWholeFloat(given.asText());
-    if (!parsed) failConversion("float", given, "a float");
+    if (!parsed) return failConversion(caller, "float", given, "a float");
     return Value(*parsed);
 }
 
-Value toBool(Caller&, Arguments& args) { return Value(isTruthy(args[0])); }
+Value toBool(Caller&, Arguments args) { return Value(isTruthy(args[0])); }
 
-Value parseInt(Caller&, Arguments& args) {
+Value parseInt(Caller& caller, Arguments args) {
     require(args[0].isString(), "parse_int: first argument must be a string");
     const std::string_view text = args[0].asText();
     const std::int64_t base = args.size() > 1 ? truncatedArg(args[1], "parse_int") : 10;
@@ -117,19 +117,19 @@ Value parseInt(Caller&, Arguments& args) {
         const bool isWhole = text.find_first_not_of(whiteSpace, parsed.consumed) == text.npos;
         if (parsed.consumed > 0 && isWhole && !parsed.outOfRange) return Value(parsed.value);
     }
-    throw RuntimeError("parse_int: invalid integer " + inQuotes(text));
+    return caller.leaveError("parse_int: invalid integer " + inQuotes(text));
 }
 
-Value hex(Caller&, Arguments& args) { return inBase(truncatedArg(args[0], "hex"), 16, "0x"); }
-Value bin(Caller&, Arguments& args) { return inBase(truncatedArg(args[0], "bin"), 2, "0b"); }
-Value oct(Caller&, Arguments& args) { return inBase(truncatedArg(args[0], "oct"), 8, "0o"); }
+Value hex(Caller&, Arguments args) { return inBase(truncatedArg(args[0], "hex"), 16, "0x"); }
+Value bin(Caller&, Arguments args) { return inBase(truncatedArg(args[0], "bin"), 2, "0b"); }
+Value oct(Caller&, Arguments args) { return inBase(truncatedArg(args[0], "oct"), 8, "0o"); }
 
-Value isNumber(Caller&, Arguments& args) { return Value(args[0].isNumber()); }
-Value isString(Caller&, Arguments& args) { return Value(args[0].isString()); }
-Value isList(Caller&, Arguments& args) { return Value(args[0].isList()); }
-Value isMap(Caller&, Arguments& args) { return Value(args[0].isMap()); }
-Value isNil(Caller&, Arguments& args) { return Value(args[0].isNil()); }
-Value isBool(Caller&, Arguments& args) { return Value(args[0].isBool()); }
-Value isFunction(Caller&, Arguments& args) { return Value(args[0].isFunction()); }
+Value isNumber(Caller&, Arguments args) { return Value(args[0].isNumber()); }
+Value isString(Caller&, Arguments args) { return Value(args[0].isString()); }
+Value isList(Caller&, Arguments args) { return Value(args[0].isList()); }
+Value isMap(Caller&, Arguments args) { return Value(args[0].isMap()); }
+Value isNil(Caller&, Arguments args) { return Value(args[0].isNil()); }
+Value isBool(Caller&, Arguments args) { return Value(args[0].isBool()); }
+Value isFunction(Caller&, Arguments args) { return Value(args[0].isFunction()); }
 
 }  // namespace pellum::library

@@ -16,7 +16,7 @@ bool isLongString(const Value& value) {
 }
 
 // Prints piece by piece, since a copy of the whole line might need more memory than there is.
-void printLongStrings(Console& console, const Arguments& args) {
+void printLongStrings(Console& console, Arguments args) {
     // What may fail comes before anything is written.
     std::vector<std::string> texts(args.size());
     for (std::size_t i = 0; i < args.size(); ++i) {
@@ -31,7 +31,7 @@ void printLongStrings(Console& console, const Arguments& args) {
 
 }  // namespace
 
-Value print(Caller& caller, Arguments& args) {
+Value print(Caller& caller, Arguments args) {
     if (std::ranges::any_of(args, isLongString)) {
         printLongStrings(caller.console(), args);
         return Value();
@@ -46,7 +46,7 @@ Value print(Caller& caller, Arguments& args) {
     return Value();
 }
 
-Value input(Caller& caller, Arguments& args) {
+Value input(Caller& caller, Arguments args) {
     Console& console = caller.console();
     if (!args.empty()) console.write(DisplayText(args[0]).view());
     try {

@@ -56,7 +56,7 @@ std::size_t Range::count() const {
 
 }  // namespace
 
-Value push(Caller&, Arguments& args) {
+Value push(Caller&, Arguments args) {
     std::vector<Value>& elements = listArg(args[0], "push: first argument must be a list");
     checkListLength(elements.size() + args.size() - 1);
     elements.insert(elements.end(), std::make_move_iterator(args.begin() + 1),
@@ -64,7 +64,7 @@ Value push(Caller&, Arguments& args) {
     return std::move(args[0]);
 }
 
-Value pop(Caller&, Arguments& args) {
+Value pop(Caller&, Arguments args) {
     std::vector<Value>& elements = listArg(args[0], "pop: expected a list");
     require(!elements.empty(), "pop: list is empty");
     Value last = std::move(elements.back());
@@ -72,7 +72,7 @@ Value pop(Caller&, Arguments& args) {
     return last;
 }
 
-Value insert(Caller&, Arguments& args) {
+Value insert(Caller&, Arguments args) {
     require(args[0].isList(), "insert: expected a list");
     std::vector<Value>& elements = args[0].asList().items;
     const std::optional<std::size_t> place =
@@ -83,7 +83,7 @@ Value insert(Caller&, Arguments& args) {
     return std::move(args[0]);
 }
 
-Value removeAt(Caller&, Arguments& args) {
+Value removeAt(Caller&, Arguments args) {
     require(args[0].isList(), "remove_at: expected a list");
     std::vector<Value>& elements = args[0].asList().items;
     const std::optional<std::size_t> place =
@@ -95,7 +95,7 @@ Value removeAt(Caller&, Arguments& args) {
     return removed;
 }
 
-Value range(Caller&, Arguments& args) {
+Value range(Caller&, Arguments args) {
     bool allIntegers = true;
     for (const Value& arg : args) {
         numberArg(arg, "range");
@@ -120,7 +120,7 @@ Value range(Caller&, Arguments& args) {
     return makeList(std::move(elements));
 }
 
-Value count(Caller&, Arguments& args) {
+Value count(Caller&, Arguments args) {
     std::int64_t found = 0;
     for (const Value& element : listArg(args[0], "count: expected a list")) {
         if (valuesEqual(element, args[1])) ++found;
@@ -128,7 +128,7 @@ Value count(Caller&, Arguments& args) {
     return Value(found);
 }
 
-Value zip(Caller&, Arguments& args) {
+Value zip(Caller&, Arguments args) {
     require(args[0].isList() && args[1].isList(), "zip: expected two lists");
     const std::vector<Value>& left = args[0].asList().items;
     const std::vector<Value>& right = args[1].asList().items;
@@ -141,7 +141,7 @@ Value zip(Caller&, Arguments& args) {
     return makeList(std::move(pairs));
 }
 
-Value enumerate(Caller&, Arguments& args) {
+Value enumerate(Caller&, Arguments args) {
     require(args[0].isList(), "enumerate: expected a list");
     std::vector<Value> pairs;
     pairs.reserve(args[0].asList().items.size());

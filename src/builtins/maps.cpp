@@ -16,24 +16,24 @@ Value listOfEntries(MapData& map, Choose choose) {
 
 }  // namespace
 
-Value keys(Caller&, Arguments& args) {
+Value keys(Caller&, Arguments args) {
     return listOfEntries(mapArg(args[0], "keys: expected a map"),
                          [](const MapData::Entry& entry) { return entry.key; });
 }
 
-Value values(Caller&, Arguments& args) {
+Value values(Caller&, Arguments args) {
     return listOfEntries(mapArg(args[0], "values: expected a map"),
                          [](const MapData::Entry& entry) { return entry.value; });
 }
 
-Value items(Caller&, Arguments& args) {
+Value items(Caller&, Arguments args) {
     require(args[0].isMap(), "items: expected a map");
     return listOfEntries(args[0].asMap(), [](const MapData::Entry& entry) {
         return makeList(pairOf(entry.key, entry.value));
     });
 }
 
-Value deleteKey(Caller&, Arguments& args) {
+Value deleteKey(Caller&, Arguments args) {
     require(args[0].isMap(), "delete: expected a map");
     return Value(args[0].asMap().remove(args[1]));
 }

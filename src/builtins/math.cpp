@@ -9,13 +9,13 @@ namespace pellum::library {
 namespace {
 
 // The values of `min` and `max`: the elements of a single list, otherwise the arguments.
-const std::vector<Value>& candidates(const Arguments& args) {
-    return args.size() == 1 && args[0].isList() ? args[0].asList().items : args;
+Arguments candidates(Arguments args) {
+    return args.size() == 1 && args[0].isList() ? Arguments(args[0].asList().items) : args;
 }
 
 // The winner of the candidates: the first that no later one beats.
 template <typename Beats>
-Value best(const Arguments& args, const char* name, Beats beats) {
+Value best(Arguments args, const char* name, Beats beats) {
     const Value* winner = nullptr;
     for (const Value& candidate : candidates(args)) {
         const double number = numberArg(candidate, name);
@@ -27,33 +27,33 @@ Value best(const Arguments& args, const char* name, Beats beats) {
 
 }  // namespace
 
-Value floor(Caller&, Arguments& args) {
+Value floor(Caller&, Arguments args) {
     return Value(truncateToInt(std::floor(numberArg(args[0], "floor"))));
 }
 
-Value ceil(Caller&, Arguments& args) {
+Value ceil(Caller&, Arguments args) {
     return Value(truncateToInt(std::ceil(numberArg(args[0], "ceil"))));
 }
 
-Value round(Caller&, Arguments& args) {
+Value round(Caller&, Arguments args) {
     const double x = numberArg(args[0], "round");
     if (args.size() == 1) return Value(truncateToInt(std::round(x)));
     const double scale = std::pow(10.0, numberArg(args[1], "round"));
     return Value(std::round(x * scale) / scale);
 }
 
-Value abs(Caller&, Arguments& args) {
+Value abs(Caller&, Arguments args) {
     const Value& x = args[0];
     if (x.isInt()) return Value(x.asInt() < 0 ? wrapNegate(x.asInt()) : x.asInt());
     return Value(std::fabs(numberArg(x, "abs")));
 }
 
-Value sign(Caller&, Arguments& args) {
+Value sign(Caller&, Arguments args) {
     const double x = numberArg(args[0], "sign");
     return Value((x > 0) - (x < 0));
 }
 
-Value clamp(Caller&, Arguments& args) {
+Value clamp(Caller&, Arguments args) {
     const double x = numberArg(args[0], "clamp");
     const double low = numberArg(args[1], "clamp");
     const double high = numberArg(args[2], "clamp");
@@ -63,16 +63,16 @@ Value clamp(Caller&, Arguments& args) {
     return allIntegers ? chosen : Value(chosen.asNumber());
 }
 
-Value min(Caller&, Arguments& args) {
+Value min(Caller&, Arguments args) {
     return best(args, "min", [](double a, double b) { return a < b; });
 }
 
-Value max(Caller&, Arguments& args) {
+Value max(Caller&, Arguments args) {
     return best(args, "max", [](double a, double b) { return a > b; });
 }
 
 // Integers are summed apart, so that they are exact until the one conversion at the end.
-Value sum(Caller&, Arguments& args) {
+Value sum(Caller&, Arguments args) {
     std::int64_t integers = 0;
     double floats = 0;
     bool hasFloat = false;
@@ -90,18 +90,18 @@ Value sum(Caller&, Arguments& args) {
     return hasFloat ? Value(static_cast<double>(integers) + floats) : Value(integers);
 }
 
-Value sqrt(Caller&, Arguments& args) { return Value(std::sqrt(numberArg(args[0], "sqrt"))); }
-Value exp(Caller&, Arguments& args) { return Value(std::exp(numberArg(args[0], "exp"))); }
-Value sin(Caller&, Arguments& args) { return Value(std::sin(numberArg(args[0], "sin"))); }
-Value cos(Caller&, Arguments& args) { return Value(std::cos(numberArg(args[0], "cos"))); }
-Value tan(Caller&, Arguments& args) { return Value(std::tan(numberArg(args[0], "tan"))); }
+Value sqrt(Caller&, Arguments args) { return Value(std::sqrt(numberArg(args[0], "sqrt"))); }
+Value exp(Caller&, Arguments args) { return Value(std::exp(numberArg(args[0], "exp"))); }
+Value sin(Caller&, Arguments args) { return Value(std::sin(numberArg(args[0], "sin"))); }
+Value cos(Caller&, Arguments args) { return Value(std::cos(numberArg(args[0], "cos"))); }
+Value tan(Caller&, Arguments args) { return Value(std::tan(numberArg(args[0], "tan"))); }
 
-Value pow(Caller&, Arguments& args) {
+Value pow(Caller&, Arguments args) {
     const double base = numberArg(args[0], "pow");
     return Value(std::pow(base, numberArg(args[1], "pow")));
 }
 
-Value log(Caller&, Arguments& args) {
+Value log(Caller&, Arguments args) {
     const double logarithm = std::log(numberArg(args[0], "log"));
     if (args.size() == 1) return Value(logarithm);
     return Value(logarithm / std::log(numberArg(args[1], "log")));

@@ -10,26 +10,36 @@
 
 namespace pellum {
 
+// Merges two sorted neighbours, [left, middle) and [middle, end), by way of `room`, which has place
+// for the left one.
+template <typename T, typename IsBefore>
+void mergeNeighbours(T* left, T* middle, T* end, T* room, IsBefore& isBefore) {
+    T* const roomEnd = std::move(left, middle, room);
+    T* to = left;
+    T* right = middle;
+    while (room != roomEnd && right != end) {
+        *to++ = std::move(isBefore(*right, *room) ? *right++ : *room++);
+    }
+    std::move(room, roomEnd, to);
+}
+
+// Halves are sorted one after the other, so that short ones are merged while they are in the cache.
+template <typename T, typename IsBefore>
+void mergeSort(T* start, T* end, T* room, IsBefore& isBefore) {
+    if (end - start < 2) return;
+    T* const middle = start + (end - start) / 2;
+    mergeSort(start, middle, room, isBefore);
+    mergeSort(middle, end, room, isBefore);
+    mergeNeighbours(start, middle, end, room, isBefore);
+}
+
 // Sorts by `isBefore(later, earlier)`, asked only with the element that stood later first. When
 // that throws, some elements have been moved out of `elements`.
 template <typename T, typename IsBefore>
 void mergeSort(std::vector<T>& elements, IsBefore isBefore) {
-    const std::size_t count = elements.size();
-    std::vector<T> merged(count);
-    for (std::size_t width = 1; width < count; width *= 2) {
-        for (std::size_t start = 0; start < count; start += 2 * width) {
-            const std::size_t middle = std::min(start + width, count);
-            const std::size_t end = std::min(middle + width, count);
-            std::size_t left = start;
-            std::size_t right = middle;
-            for (std::size_t to = start; to < end; ++to) {
-                const bool takesRight =
-                    right < end && (left == middle || isBefore(elements[right], elements[left]));
-                merged[to] = std::move(elements[takesRight ? right++ : left++]);
-            }
-        }
-        std::swap(elements, merged);
-    }
+    if (elements.size() < 2) return;
+    std::vector<T> room(elements.size() / 2);
+    mergeSort(elements.data(), elements.data() + elements.size(), room.data(), isBefore);
 }
 
 }  // namespace pellum

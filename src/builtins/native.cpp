@@ -7,11 +7,6 @@ namespace pellum {
 
 namespace {
 
-bool accepts(const NativeObj& native, std::size_t count) noexcept {
-    return count >= static_cast<std::size_t>(native.minArity) &&
-           (native.maxArity == unlimited || count <= static_cast<std::size_t>(native.maxArity));
-}
-
 // "1+", "1-3" or "2".
 std::string expectedCount(const NativeObj& native) {
     const std::string minimum = std::to_string(native.minArity);
@@ -31,17 +26,32 @@ RuntimeError arityError(std::string_view name, std::string_view expected, std::s
     return RuntimeError(std::move(message), at);
 }
 
-Value callNative(const NativeObj& native, Caller& caller, std::vector<Value>& args, Position at) {
-    if (!accepts(native, args.size())) {
-        throw arityError(native.name, expectedCount(native), args.size(), at);
-    }
+RuntimeError arityError(const NativeObj& native, std::size_t count, Position at) {
+    return arityError(native.name, expectedCount(native), count, at);
+}
+
+void Caller::throwFailure() {
+    const bool isError = failure_ == Failure::Error;
+    Value failed = takeFailure();
+    if (isError) throw RuntimeError(std::string(failed.asText()));
+    throw ThrownValue{std::move(failed)};
+}
+
+void rethrowFrom(const NativeObj& native) {
     try {
-        return native.fn(caller, args);
+        throw;
     } catch (const std::length_error&) {
         throw RuntimeError(native.name + ": result too large");
     } catch (const std::bad_alloc&) {
         throw RuntimeError(native.name + ": out of memory");
     }
+}
+
+Value callNative(const NativeObj& native, Caller& caller, Arguments args, Position at) {
+    if (!native.accepts(args.size())) throw arityError(native, args.size(), at);
+    Value result = runNative(native, caller, args);
+    if (caller.hasFailed()) caller.throwFailure();
+    return result;
 }
 
 }  // namespace pellum

@@ -9,9 +9,11 @@
 
 #include <span>
 #include <string>
-#include <vector>
 
 namespace pellum {
+
+// What a native is called with. The values are its own: it may move from them.
+using Arguments = std::span<Value>;
 
 // An engine as natives see it.
 class Caller {
@@ -23,19 +25,45 @@ public:
 
     // Calls any function of the running engine, or another native, and returns its result. Takes
     // the arguments away from where they are. Errors of the call itself carry no position.
-    virtual Value call(const Value& callee, std::span<Value> args) = 0;
+    virtual Value call(const Value& callee, Arguments args) = 0;
+
+    // Leave a failure behind that the engine raises as soon as the native has returned: a
+    // RuntimeError without a position, or a value that the program throws. A native that fails in
+    // the ordinary course of a program does this rather than throw, which takes as long as a
+    // hundred calls. Both answer nil, for the native to return.
+    Value leaveError(std::string_view message) { return leave(Failure::Error, Value(message)); }
+    Value leaveThrown(Value thrown) noexcept { return leave(Failure::Thrown, std::move(thrown)); }
 
     Console& console() const noexcept { return console_; }
 
+    // For the engine: whether the native that has just returned left a failure behind. Exactly one
+    // of the other two must follow if so.
+    bool hasFailed() const noexcept { return failure_ != Failure::None; }
+    [[noreturn]] void throwFailure();
+    Value takeFailure() noexcept {  // what a `try` catches
+        failure_ = Failure::None;
+        return std::move(failed_);
+    }
+
 private:
+    enum class Failure : std::uint8_t { None, Error, Thrown };
+
+    Value leave(Failure failure, Value value) noexcept {
+        failure_ = failure;
+        failed_ = std::move(value);
+        return {};
+    }
+
     Console& console_;
+    Failure failure_ = Failure::None;
+    Value failed_;  // what was thrown, or the error's message
 };
 
-// Takes its arguments from the vector, whose length the engine has checked; it may move from them.
-// Fails with a RuntimeError without a position. Where it makes something beyond the limits of
-// strings and lists it may let std::length_error escape, and std::bad_alloc where memory is
-// refused: `callNative` reports both in its name.
-using NativeFunction = Value (*)(Caller&, std::vector<Value>& args);
+// The engine has checked the number of arguments. Fails by `Caller::leaveError` or
+// `Caller::leaveThrown`, or by throwing a RuntimeError without a position. Where it makes something
+// beyond the limits of strings and lists it may let std::length_error escape, and std::bad_alloc
+// where memory is refused: `runNative` reports both in its name.
+using NativeFunction = Value (*)(Caller&, Arguments args);
 
 inline constexpr std::int32_t unlimited = -1;
 
@@ -50,6 +78,11 @@ struct NativeObj final : CallableObj {
 
     std::string_view functionName() const noexcept override { return name; }
 
+    bool accepts(std::size_t count) const noexcept {
+        return count >= static_cast<std::size_t>(minArity) &&
+               (maxArity == unlimited || count <= static_cast<std::size_t>(maxArity));
+    }
+
     std::string name;
     NativeFunction fn;
     std::int32_t minArity;
@@ -61,7 +94,24 @@ struct NativeObj final : CallableObj {
 RuntimeError arityError(std::string_view name, std::string_view expected, std::size_t count,
                         Position at);
 
-// Checks the number of arguments and runs the native. A wrong number is reported at `at`.
-Value callNative(const NativeObj& native, Caller& caller, std::vector<Value>& args, Position at);
+// The same for a native.
+RuntimeError arityError(const NativeObj& native, std::size_t count, Position at);
+
+// Rethrows what a native has just thrown, in the language's terms.
+[[noreturn]] void rethrowFrom(const NativeObj& native);
+
+// Runs the native, which may leave a failure with the caller. REQUIRES: it accepts so many
+// arguments.
+inline Value runNative(const NativeObj& native, Caller& caller, Arguments args) {
+    try {
+        return native.fn(caller, args);
+    } catch (...) {
+        rethrowFrom(native);
+    }
+}
+
+// Checks the number of arguments, runs the native, and throws whatever goes wrong. A wrong number
+// is reported at `at`.
+Value callNative(const NativeObj& native, Caller& caller, Arguments args, Position at);
 
 }  // namespace pellum

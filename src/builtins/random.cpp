@@ -28,12 +28,12 @@ std::uint64_t drawBelow(std::uint64_t bound) {
 
 }  // namespace
 
-Value random(Caller&, Arguments&) {
+Value random(Caller&, Arguments) {
     constexpr double unit = 1.0 / 9007199254740992.0;  // 2^-53: a double has 53 bits to fill
     return Value(static_cast<double>(draw() >> 11) * unit);
 }
 
-Value randint(Caller&, Arguments& args) {
+Value randint(Caller&, Arguments args) {
     const std::int64_t low = truncatedArg(args[0], "randint");
     const std::int64_t high = truncatedArg(args[1], "randint");
     require(low <= high, "randint: low must be <= high");

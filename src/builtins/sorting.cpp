@@ -34,7 +34,7 @@ void sortByNature(std::vector<Value>& elements) {
 
 }  // namespace
 
-Value sort(Caller& caller, Arguments& args) {
+Value sort(Caller& caller, Arguments args) {
     // Sorted as they are now: the comparison may change the list, but not this copy.
     std::vector<Value> elements = listArg(args[0], "sort: expected a list");
     if (args.size() > 1) {

@@ -70,10 +70,10 @@ Value listOfTexts(std::size_t mostPossible, ForEach forEach) {
 
 }  // namespace
 
-Value upper(Caller&, Arguments& args) { return mapBytes(args[0], upperByte); }
-Value lower(Caller&, Arguments& args) { return mapBytes(args[0], lowerByte); }
+Value upper(Caller&, Arguments args) { return mapBytes(args[0], upperByte); }
+Value lower(Caller&, Arguments args) { return mapBytes(args[0], lowerByte); }
 
-Value capitalize(Caller&, Arguments& args) {
+Value capitalize(Caller&, Arguments args) {
     const DisplayText given(args[0]);
     const std::string_view text = given.view();
     return Value(StringObj::build(text.size(), [&](char* to) {
@@ -82,7 +82,7 @@ Value capitalize(Caller&, Arguments& args) {
     }));
 }
 
-Value trim(Caller&, Arguments& args) {
+Value trim(Caller&, Arguments args) {
     constexpr std::string_view trimmed = " \t\r\n";
     const DisplayText given(args[0]);
     const std::string_view text = given.view();
@@ -91,7 +91,7 @@ Value trim(Caller&, Arguments& args) {
     return Value(text.substr(first, text.find_last_not_of(trimmed) - first + 1));
 }
 
-Value split(Caller&, Arguments& args) {
+Value split(Caller&, Arguments args) {
     const std::string_view text = textArg(args[0], "split: expected a string");
     const bool hasSeparator = args.size() > 1 && args[1].isString() && !args[1].asText().empty();
     if (!hasSeparator) {
@@ -102,7 +102,7 @@ Value split(Caller&, Arguments& args) {
                        [&](auto visit) { forEachPiece(text, separator, visit); });
 }
 
-Value join(Caller&, Arguments& args) {
+Value join(Caller&, Arguments args) {
     const std::vector<Value>& elements = listArg(args[0], "join: first argument must be a list");
     const Value noSeparator("");
     const DisplayText given(args.size() > 1 ? args[1] : noSeparator);
@@ -129,7 +129,7 @@ Value join(Caller&, Arguments& args) {
     return Value(joined);
 }
 
-Value replace(Caller&, Arguments& args) {
+Value replace(Caller&, Arguments args) {
     const DisplayText givenText(args[0]);
     const DisplayText givenOld(args[1]);
     const DisplayText givenNew(args[2]);
@@ -158,19 +158,19 @@ Value replace(Caller&, Arguments& args) {
     }));
 }
 
-Value startsWith(Caller&, Arguments& args) {
+Value startsWith(Caller&, Arguments args) {
     const DisplayText text(args[0]);
     const DisplayText prefix(args[1]);
     return Value(text.view().starts_with(prefix.view()));
 }
 
-Value endsWith(Caller&, Arguments& args) {
+Value endsWith(Caller&, Arguments args) {
     const DisplayText text(args[0]);
     const DisplayText suffix(args[1]);
     return Value(text.view().ends_with(suffix.view()));
 }
 
-Value chars(Caller&, Arguments& args) {
+Value chars(Caller&, Arguments args) {
     require(args[0].isString(), "chars: expected a string");
     const std::string_view text = args[0].asText();
     checkListLength(text.size());
@@ -182,13 +182,13 @@ Value chars(Caller&, Arguments& args) {
     return makeList(std::move(bytes));
 }
 
-Value byteFromCode(Caller&, Arguments& args) {
+Value byteFromCode(Caller&, Arguments args) {
     const std::int64_t code = truncatedArg(args[0], "char");
     require(code >= 0 && code <= 255, "char: code must be between 0 and 255");
     return Value(StringObj::oneByte(static_cast<unsigned char>(code)));
 }
 
-Value ord(Caller&, Arguments& args) {
+Value ord(Caller&, Arguments args) {
     require(args[0].isString() && !args[0].asText().empty(), "ord: expected a non-empty string");
     return Value(static_cast<unsigned char>(args[0].asText().front()));
 }

@@ -110,13 +110,11 @@ Value Interpreter::makeFunction(const FunctionLiteral& literal, Environment& sco
     return Value(Ref<CallableObj>(makeRef<FunctionObj>(literal, Ref<Environment>(&scope))));
 }
 
-Value Interpreter::call(const Value& callee, std::span<Value> args) {
-    std::vector<Value> owned(std::make_move_iterator(args.begin()),
-                             std::make_move_iterator(args.end()));
-    return callValue(callee, owned, Position{});
+Value Interpreter::call(const Value& callee, Arguments args) {
+    return callValue(callee, args, Position{});
 }
 
-Value Interpreter::callValue(const Value& callee, std::vector<Value>& args, Position at) {
+Value Interpreter::callValue(const Value& callee, Arguments args, Position at) {
     checkHostStack(at);
     switch (callee.kind()) {
         case ValueKind::Native:
@@ -127,8 +125,7 @@ Value Interpreter::callValue(const Value& callee, std::vector<Value>& args, Posi
     }
 }
 
-Value Interpreter::callFunction(const FunctionObj& function, std::vector<Value>& args,
-                                Position at) {
+Value Interpreter::callFunction(const FunctionObj& function, Arguments args, Position at) {
     if (args.size() != function.params.size()) {
         throw arityError(function.name.text(), std::to_string(function.params.size()), args.size(),
                          at);

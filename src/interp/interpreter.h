@@ -23,7 +23,7 @@ public:
     // RuntimeError and ThrownValue.
     Value run(const Block& program);
 
-    Value call(const Value& callee, std::span<Value> args) override;
+    Value call(const Value& callee, Arguments args) override;
 
 private:
     // How a statement ended.
@@ -66,8 +66,8 @@ private:
     Value arithmetic(BinaryOp code, std::string_view op, Value left, const Value& right,
                      Position at);
     Value makeFunction(const FunctionLiteral& literal, Environment& scope);
-    Value callValue(const Value& callee, std::vector<Value>& args, Position at);
-    Value callFunction(const FunctionObj& function, std::vector<Value>& args, Position at);
+    Value callValue(const Value& callee, Arguments args, Position at);
+    Value callFunction(const FunctionObj& function, Arguments args, Position at);
 
     Ref<Environment> globals_;
 };

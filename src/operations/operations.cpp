@@ -16,40 +16,29 @@ std::string typeNames(const Value& left, const Value& right) {
     return std::string(typeName(left)) + " and " + typeName(right);
 }
 
-Value intArithmetic(ArithmeticOp op, std::int64_t a, std::int64_t b, Position at) {
+// REQUIRES, as the next: no division by zero.
+Value intArithmetic(ArithmeticOp op, std::int64_t a, std::int64_t b) {
     switch (op) {
         case ArithmeticOp::Add: return Value(wrapAdd(a, b));
         case ArithmeticOp::Subtract: return Value(wrapSubtract(a, b));
         case ArithmeticOp::Multiply: return Value(wrapMultiply(a, b));
-        case ArithmeticOp::Divide:
-            if (b == 0) throw RuntimeError("division by zero", at);
-            return Value(static_cast<double>(a) / static_cast<double>(b));
-        case ArithmeticOp::FloorDivide:
-            if (b == 0) throw RuntimeError("floor division by zero", at);
-            return Value(floorDivide(a, b));
-        case ArithmeticOp::Modulo:
-            if (b == 0) throw RuntimeError("modulo by zero", at);
-            return Value(truncatedRemainder(a, b));
+        case ArithmeticOp::Divide: return Value(static_cast<double>(a) / static_cast<double>(b));
+        case ArithmeticOp::FloorDivide: return Value(floorDivide(a, b));
+        case ArithmeticOp::Modulo: return Value(truncatedRemainder(a, b));
         case ArithmeticOp::Power: break;
     }
     if (b < 0) return Value(std::pow(static_cast<double>(a), static_cast<double>(b)));
     return Value(intPower(a, b));
 }
 
-Value floatArithmetic(ArithmeticOp op, double a, double b, Position at) {
+Value floatArithmetic(ArithmeticOp op, double a, double b) {
     switch (op) {
         case ArithmeticOp::Add: return Value(a + b);
         case ArithmeticOp::Subtract: return Value(a - b);
         case ArithmeticOp::Multiply: return Value(a * b);
-        case ArithmeticOp::Divide:
-            if (b == 0) throw RuntimeError("division by zero", at);
-            return Value(a / b);
-        case ArithmeticOp::FloorDivide:
-            if (b == 0) throw RuntimeError("floor division by zero", at);
-            return Value(floorDivide(a, b));
-        case ArithmeticOp::Modulo:
-            if (b == 0) throw RuntimeError("modulo by zero", at);
-            return Value(truncatedRemainder(a, b));
+        case ArithmeticOp::Divide: return Value(a / b);
+        case ArithmeticOp::FloorDivide: return Value(floorDivide(a, b));
+        case ArithmeticOp::Modulo: return Value(truncatedRemainder(a, b));
         case ArithmeticOp::Power: break;
     }
     return Value(std::pow(a, b));
@@ -87,17 +76,20 @@ bool holds(Comparison comparison, const T& a, const T& b) noexcept {
     return a >= b;
 }
 
-Value characterAt(const Value& string, const Value& index, Position at) {
+// The position that an index means, negative ones counting from the end; `length` or more where it
+// means none.
+std::size_t positionFor(const Value& index, std::size_t length) noexcept {
+    if (!index.isInt()) return length;
+    const std::int64_t given = index.asInt();
+    return static_cast<std::size_t>(given < 0 ? given + static_cast<std::int64_t>(length) : given);
+}
+
+std::string listIndexMessage(const Value& index, std::size_t length) {
     if (!index.isInt()) {
-        throw RuntimeError(std::string("string index must be an integer, got ") + typeName(index),
-                           at);
+        return std::string("list index must be an integer, got ") + typeName(index);
     }
-    const std::string_view text = string.asText();
-    const auto length = static_cast<std::int64_t>(text.size());
-    const std::int64_t position = index.asInt() < 0 ? index.asInt() + length : index.asInt();
-    if (position < 0 || position >= length) throw RuntimeError("string index out of range", at);
-    const char byte = text[static_cast<std::size_t>(position)];
-    return Value(StringObj::oneByte(static_cast<unsigned char>(byte)));
+    return "list index " + formatInt(index.asInt()) + " out of range (len " +
+           formatInt(static_cast<std::int64_t>(length)) + ")";
 }
 
 std::vector<Value> bytesOf(std::string_view text) {
@@ -139,8 +131,20 @@ void addInPlace(Value& left, const Value& right, Position at) {
 }
 
 Value numberArithmetic(ArithmeticOp op, const Value& left, const Value& right, Position at) {
-    if (left.isInt() && right.isInt()) return intArithmetic(op, left.asInt(), right.asInt(), at);
-    return floatArithmetic(op, left.asNumber(), right.asNumber(), at);
+    if (dividesByZero(op, right)) throw RuntimeError(zeroDivisionMessage(op), at);
+    if (left.isInt() && right.isInt()) return intArithmetic(op, left.asInt(), right.asInt());
+    return floatArithmetic(op, left.asNumber(), right.asNumber());
+}
+
+bool dividesByZero(ArithmeticOp op, const Value& right) noexcept {
+    const bool divides = op >= ArithmeticOp::Divide && op <= ArithmeticOp::Modulo;
+    return divides && right.asNumber() == 0;
+}
+
+const char* zeroDivisionMessage(ArithmeticOp op) noexcept {
+    return op == ArithmeticOp::Divide        ? "division by zero"
+           : op == ArithmeticOp::FloorDivide ? "floor division by zero"
+                                             : "modulo by zero";
 }
 
 Value negate(const Value& operand, Position at) {
@@ -151,49 +155,71 @@ Value negate(const Value& operand, Position at) {
 
 bool compare(Comparison comparison, const Value& left, const Value& right, Position at) {
     if (left.isString() && right.isString()) {
-        return holds(comparison, left.asText(), right.asText());
+        return holds(comparison, compareTexts(left.asString(), right.asString()), 0);
     }
     if (left.isNumber() && right.isNumber()) {
         return holds(comparison, left.asNumber(), right.asNumber());
     }
-    throw RuntimeError("cannot compare " + typeNames(left, right), at);
+    throw RuntimeError(comparisonMessage(left, right), at);
 }
 
-std::size_t listPosition(const Value& index, std::size_t length, Position at) {
-    if (!index.isInt()) {
-        throw RuntimeError(std::string("list index must be an integer, got ") + typeName(index),
-                           at);
-    }
-    const auto count = static_cast<std::int64_t>(length);
-    const std::int64_t position = index.asInt() < 0 ? index.asInt() + count : index.asInt();
-    if (position < 0 || position >= count) {
-        throw RuntimeError("list index " + formatInt(index.asInt()) + " out of range (len " +
-                               formatInt(count) + ")",
-                           at);
-    }
-    return static_cast<std::size_t>(position);
+bool areComparable(const Value& left, const Value& right) noexcept {
+    return left.isNumber() ? right.isNumber() : left.isString() && right.isString();
 }
 
-Value readIndex(const Value& object, const Value& index, Position at) {
+std::string comparisonMessage(const Value& left, const Value& right) {
+    return "cannot compare " + typeNames(left, right);
+}
+
+bool tryReadIndex(const Value& object, const Value& index, Value& element) {
     switch (object.kind()) {
         case ValueKind::List: {
             const std::vector<Value>& items = object.asList().items;
-            return items[listPosition(index, items.size(), at)];
+            const std::size_t position = positionFor(index, items.size());
+            if (position >= items.size()) return false;
+            element = items[position];
+            return true;
         }
         case ValueKind::Map: {
             const Value* found = object.asMap().find(index);
-            return found ? *found : Value();
+            element = found ? *found : Value();
+            return true;
         }
-        case ValueKind::String: return characterAt(object, index, at);
-        default: throw RuntimeError(std::string("cannot index ") + typeName(object), at);
+        case ValueKind::String: {
+            const std::string_view text = object.asText();
+            const std::size_t position = positionFor(index, text.size());
+            if (position >= text.size()) return false;
+            element = Value(StringObj::oneByte(static_cast<unsigned char>(text[position])));
+            return true;
+        }
+        default: return false;
     }
+}
+
+std::string readIndexMessage(const Value& object, const Value& index) {
+    if (object.isList()) return listIndexMessage(index, listLength(object.asList()));
+    if (!object.isString()) return std::string("cannot index ") + typeName(object);
+    return index.isInt() ? "string index out of range"
+                         : std::string("string index must be an integer, got ") + typeName(index);
+}
+
+Value readIndex(const Value& object, const Value& index, Position at) {
+    Value element;
+    if (!tryReadIndex(object, index, element)) {
+        throw RuntimeError(readIndexMessage(object, index), at);
+    }
+    return element;
 }
 
 void writeIndex(const Value& object, const Value& index, Value value, Position at) {
     switch (object.kind()) {
         case ValueKind::List: {
             std::vector<Value>& items = object.asList().items;
-            items[listPosition(index, items.size(), at)] = std::move(value);
+            const std::size_t position = positionFor(index, items.size());
+            if (position >= items.size()) {
+                throw RuntimeError(listIndexMessage(index, items.size()), at);
+            }
+            items[position] = std::move(value);
             return;
         }
         case ValueKind::Map:

@@ -1,6 +1,7 @@
 // What operators, indexing and for-in mean: the rules that both engines share, each written once.
 // Every error is a RuntimeError at the position that the engine passes in; the few messages that
-// differ between the engines stay with them.
+// differ between the engines stay with them. The machine, which need not throw to reach a `try`,
+// uses the forms that only try, and asks what was wrong afterwards.
 #pragma once
 
 #include "driver/errors/errors.h"
@@ -32,18 +33,24 @@ void addInPlace(Value& left, const Value& right, Position at);
 // Any operation on two numbers. REQUIRES: both are numbers.
 Value numberArithmetic(ArithmeticOp op, const Value& left, const Value& right, Position at);
 
+// Whether that divides by zero, and what the error says then.
+bool dividesByZero(ArithmeticOp op, const Value& right) noexcept;
+const char* zeroDivisionMessage(ArithmeticOp op) noexcept;
+
 Value negate(const Value& operand, Position at);
 bool compare(Comparison comparison, const Value& left, const Value& right, Position at);
+bool areComparable(const Value& left, const Value& right) noexcept;
+std::string comparisonMessage(const Value& left, const Value& right);
 
 // `object[index]`; a missing key of a map gives nil.
 Value readIndex(const Value& object, const Value& index, Position at);
 
+// False, and nothing done, where reading is an error.
+bool tryReadIndex(const Value& object, const Value& index, Value& element);
+std::string readIndexMessage(const Value& object, const Value& index);
+
 // `object[index] = value` for lists and maps.
 void writeIndex(const Value& object, const Value& index, Value value, Position at);
-
-// The position that a list index means, negative ones counting from the end, or the error
-// that both reading and writing raise.
-std::size_t listPosition(const Value& index, std::size_t length, Position at);
 
 // What a for-in visits, as of now: elements of a list, bytes of a string, keys of a map.
 std::vector<Value> elementsToVisit(const Value& iterable, Position at);

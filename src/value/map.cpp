@@ -1,7 +1,5 @@
 #include "value/map.h"
 
-#include "value/string.h"
-
 #include <algorithm>
 #include <bit>
 #include <cmath>

@@ -4,7 +4,7 @@
 // equality and every result are those of the plain scan.
 #pragma once
 
-#include "value/value.h"
+#include "value/string.h"
 
 namespace pellum {
 
@@ -30,20 +30,23 @@ public:
         return const_cast<MapData*>(this)->find(key);
     }
 
-    // The value of the entry at `position` if its key is that very string object, else null: a
-    // cheap first guess for whoever looks up the same constant key again and again.
-    Value* valueAt(std::size_t position, const Object* key) noexcept {
-        if (position >= entries_.size()) return nullptr;
-        Entry& entry = entries_[position];
-        return entry.key.isString() && entry.key.object() == key ? &entry.value : nullptr;
+    // The value of the entry at `place` if its key is that very string object, else null: a cheap
+    // first guess for whoever looks up the same constant key again and again. Places, in bytes,
+    // come from `placeOf`; any other multiple of the size of an entry is safe as well.
+    Value* valueAt(std::uint32_t place, const StringObj* key) noexcept {
+        if (place >= entries_.size() * sizeof(Entry)) return nullptr;
+        auto* const start = reinterpret_cast<char*>(entries_.data());
+        auto* const entry = reinterpret_cast<Entry*>(start + place);
+        if (!entry->key.isString()) return nullptr;
+        return entry->key.object() == static_cast<const Object*>(key) ? &entry->value : nullptr;
     }
 
-    // The position of the entry whose value `find` has just yielded. Later entries may take it over
-    // when gaps are closed.
-    std::size_t positionOf(const Value* found) const noexcept {
+    // The place of the entry whose value `find` has just yielded. Later entries may take it over
+    // when gaps are closed; beyond four gigabytes of entries the guess is merely wrong.
+    std::uint32_t placeOf(const Value* found) const noexcept {
         const auto* start = reinterpret_cast<const char*>(entries_.data());
-        return static_cast<std::size_t>(reinterpret_cast<const char*>(found) - start) /
-               sizeof(Entry);
+        const auto offset = static_cast<std::size_t>(reinterpret_cast<const char*>(found) - start);
+        return static_cast<std::uint32_t>(offset / sizeof(Entry) * sizeof(Entry));
     }
 
     // Replaces the value under `key`, keeping the key as first stored, or appends an entry.

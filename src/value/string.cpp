@@ -142,6 +142,7 @@ struct StringObj::Shared {
             oneByte[byte]->inline_[0] = static_cast<char>(byte);
         }
     }
+    ~Shared() { oneByteStrings = nullptr; }
 
     Ref<StringObj> empty = makeUninitialized(0);
     std::array<Ref<StringObj>, 256> oneByte;
@@ -152,7 +153,12 @@ const StringObj::Shared& StringObj::shared() {
     return strings;
 }
 
-const Ref<StringObj>& StringObj::oneByte(unsigned char byte) { return shared().oneByte[byte]; }
+constinit thread_local const Ref<StringObj>* StringObj::oneByteStrings = nullptr;
+
+const Ref<StringObj>* StringObj::makeOneByteStrings() {
+    return oneByteStrings = shared().oneByte.data();
+}
+
 const Ref<StringObj>& StringObj::empty() { return shared().empty; }
 
 namespace {

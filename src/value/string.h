@@ -49,7 +49,9 @@ public:
     bool extend(std::string_view right) noexcept;
 
     // The shared strings of one byte and of none: these cost no allocation.
-    static const Ref<StringObj>& oneByte(unsigned char byte);
+    static const Ref<StringObj>& oneByte(unsigned char byte) {
+        return oneByteStrings ? oneByteStrings[byte] : makeOneByteStrings()[byte];
+    }
     static const Ref<StringObj>& empty();
 
     // Strings differ in size, so each says on its death how much memory it gives back.
@@ -61,6 +63,8 @@ private:
     ~StringObj() override;
 
     static constinit thread_local std::size_t sizeOfTheDead;
+    static constinit thread_local const Ref<StringObj>* oneByteStrings;  // by byte, once made
+    static const Ref<StringObj>* makeOneByteStrings();
 
     static constexpr std::size_t sizeFor(std::size_t inlineLength) noexcept {
         return sizeof(StringObj) +
@@ -84,6 +88,25 @@ private:
         StringBuffer* buffer_;
     };
 };
+
+// Whether two strings have the same bytes. Where they differ their first bytes usually tell.
+inline bool areSameText(const StringObj& a, const StringObj& b) noexcept {
+    if (&a == &b) return true;
+    const std::string_view left = a.view();
+    const std::string_view right = b.view();
+    if (left.size() != right.size()) return false;
+    return left.empty() || (left.front() == right.front() && left == right);
+}
+
+// Less than, equal to or greater than zero as `a` comes before, with or after `b`, by bytes.
+inline int compareTexts(const StringObj& a, const StringObj& b) noexcept {
+    const std::string_view left = a.view();
+    const std::string_view right = b.view();
+    if (!left.empty() && !right.empty() && left.front() != right.front()) {
+        return static_cast<unsigned char>(left.front()) - static_cast<unsigned char>(right.front());
+    }
+    return left.compare(right);
+}
 
 // A seeded hash of some bytes, never 0.
 std::uint32_t hashBytes(std::string_view bytes) noexcept;

@@ -20,7 +20,7 @@ bool plainEqual(const Value& a, const Value& b, Otherwise otherwise) noexcept {
     switch (a.kind()) {
         case ValueKind::Nil: return true;
         case ValueKind::Bool: return a.asBool() == b.asBool();
-        case ValueKind::String: return a.object() == b.object() || a.asText() == b.asText();
+        case ValueKind::String: return areSameText(a.asString(), b.asString());
         default: return otherwise();
     }
 }

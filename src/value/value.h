@@ -77,6 +77,17 @@ public:
         std::swap(payload_, other.payload_);
     }
 
+    // As assignment, for places that seldom hold an object, which is released first.
+    // REQUIRES: no such object holds this Value.
+    void become(std::int64_t n) noexcept { become(ValueKind::Int, {.integer = n}); }
+    void become(double x) noexcept { become(ValueKind::Float, {.floating = x}); }
+    void become(std::same_as<bool> auto b) noexcept { become(ValueKind::Bool, {.integer = b}); }
+
+    // As assigning nil; what is not an object may stay what it is.
+    void releaseObject() noexcept {
+        if (isObject()) *this = Value();
+    }
+
     ValueKind kind() const noexcept { return kind_; }
     bool isNil() const noexcept { return kind_ == ValueKind::Nil; }
     bool isBool() const noexcept { return kind_ == ValueKind::Bool; }
@@ -113,6 +124,13 @@ private:
         double floating;
         Object* object;
     };
+
+    void become(ValueKind kind, Payload payload) noexcept {
+        if (isObject()) [[unlikely]]
+            payload_.object->release();
+        kind_ = kind;
+        payload_ = payload;
+    }
 
     Value(ValueKind kind, Object* adopted) noexcept : kind_(kind), payload_{.object = adopted} {}
     static void require(bool holds) {

@@ -25,23 +25,73 @@ bool isExactDouble(std::int64_t n) noexcept {
     return static_cast<std::uint64_t>(n) + limit <= 2 * limit;
 }
 
-// Integers compare as doubles. The plain comparison decides unless a number is too large for that.
+// Integers compare as doubles. The plain comparison decides unless both are too large for that.
 bool isLess(std::int64_t a, std::int64_t b) noexcept {
-    return a < b && (isExactDouble(b) || static_cast<double>(a) < static_cast<double>(b));
+    return a < b && (isExactDouble(b) || isExactDouble(a) ||
+                     static_cast<double>(a) < static_cast<double>(b));
 }
 bool isLessEqual(std::int64_t a, std::int64_t b) noexcept {
-    return a <= b || (!isExactDouble(a) && static_cast<double>(a) <= static_cast<double>(b));
+    return a <= b || (!isExactDouble(b) && !isExactDouble(a) &&
+                      static_cast<double>(a) <= static_cast<double>(b));
 }
 bool isEqual(std::int64_t a, std::int64_t b) noexcept {
-    return a == b || (!isExactDouble(a) && static_cast<double>(a) == static_cast<double>(b));
+    return a == b || (!isExactDouble(b) && !isExactDouble(a) &&
+                      static_cast<double>(a) == static_cast<double>(b));
 }
 bool isLess(double a, double b) noexcept { return a < b; }
 bool isLessEqual(double a, double b) noexcept { return a <= b; }
 bool isEqual(double a, double b) noexcept { return a == b; }
 
 template <typename Number>
-bool goesOn(Number counter, Number limit, Number step) noexcept {
+[[gnu::always_inline]] inline bool goesOn(Number counter, Number limit, Number step) noexcept {
     return step < 0 ? isLessEqual(limit, counter) : isLessEqual(counter, limit);
+}
+
+// The operands as doubles, if they are numbers.
+[[gnu::always_inline]] inline bool areNumbers(const Value& left, const Value& right, double& a,
+                                              double& b) noexcept {
+    if (left.isFloat()) [[likely]] {
+        a = left.asFloat();
+    } else if (left.isInt()) {
+        a = static_cast<double>(left.asInt());
+    } else {
+        return false;
+    }
+    if (right.isFloat()) [[likely]] {
+        b = right.asFloat();
+    } else if (right.isInt()) {
+        b = static_cast<double>(right.asInt());
+    } else {
+        return false;
+    }
+    return true;
+}
+
+// The element of a list that a plain index means, or null.
+[[gnu::always_inline]] inline Value* elementAt(const Value& object, const Value& index) noexcept {
+    if (!object.isList() || !index.isInt()) return nullptr;
+    std::vector<Value>& items = object.asList().items;
+    const auto position = static_cast<std::uint64_t>(index.asInt());
+    return position < items.size() ? &items[position] : nullptr;
+}
+
+// Moves an element out of a container that ends with it.
+inline void takeElement(Value& to, Value& container, const Value& element) noexcept {
+    Value taken = element;
+    container = Value();
+    to = std::move(taken);
+}
+
+// Stores a value, which may end with that, into an element of a container, which may end as well.
+[[gnu::always_inline]] inline void storeElement(Value& element, Value& container, Value& value,
+                                                std::uint32_t ends) noexcept {
+    if (ends & endsValue) {
+        element = std::move(value);
+    } else {
+        element = value;
+    }
+    if (ends & endsLeft) [[unlikely]]
+        container = Value();
 }
 
 }  // namespace
@@ -49,6 +99,7 @@ bool goesOn(Number counter, Number limit, Number step) noexcept {
 #define R(offset) (*reinterpret_cast<Value*>(reinterpret_cast<char*>(base) + (offset)))
 #define P (*const_cast<Value*>(pc->pointer))
 #define ENDS static_cast<std::uint32_t>(pc->extra)
+#define PLACE static_cast<std::uint32_t>(pc->extra)
 #define SAVE() (frame->pc = pc)
 
 #if defined(PELLUM_LABELS_AS_VALUES)
@@ -58,94 +109,108 @@ bool goesOn(Number counter, Number limit, Number step) noexcept {
 #define ARM(name) case RegisterOp::name:
 #define DISPATCH() continue
 #endif
-#define NEXT() \
-    ++pc;      \
+// The empty assembly makes the compiler compute the next place once, not again for each use.
+#define NEXT()          \
+    ++pc;               \
+    asm("" : "+r"(pc)); \
     DISPATCH()
 #define JUMP_TO(distance) \
     pc += (distance);     \
     DISPATCH()
 
-// The three forms of a binary instruction, with `left` and `right` bound to its operands.
-#define FORMS(name, ...)         \
-    ARM(name##_RR) {             \
-        Value& left = R(pc->b);  \
-        Value& right = R(pc->c); \
-        __VA_ARGS__              \
-    }                            \
-    ARM(name##_RP) {             \
-        Value& left = R(pc->b);  \
-        Value& right = P;        \
-        __VA_ARGS__              \
-    }                            \
-    ARM(name##_PR) {             \
-        Value& left = P;         \
-        Value& right = R(pc->c); \
-        __VA_ARGS__              \
+// The forms of a binary instruction, with `left` and `right` bound to its operands.
+#define FORM(name, leftPlace, rightPlace, ...) \
+    ARM(name) {                                \
+        Value& left = leftPlace;               \
+        Value& right = rightPlace;             \
+        __VA_ARGS__                            \
+    }
+#define FORMS(name, ...)                             \
+    FORM(name##_RR, R(pc->b), R(pc->c), __VA_ARGS__) \
+    FORM(name##_RP, R(pc->b), P, __VA_ARGS__)        \
+    FORM(name##_PR, P, R(pc->c), __VA_ARGS__)
+
+// The forms of one on numbers: what to do with integers or doubles `a` and `b`, and with the rest.
+#define NUMERIC_FORMS(name, integers, floats, rest)                                   \
+    FORMS(name, BY_KIND(integers, floats) rest)                                       \
+    ARM(name##_RI) {                                                                  \
+        Value& left = R(pc->b);                                                       \
+        Value& right = P;                                                             \
+        if (left.isInt()) [[likely]] {                                                \
+            [[maybe_unused]] const std::int64_t a = left.asInt();                     \
+            [[maybe_unused]] const std::int64_t b = static_cast<std::int32_t>(pc->c); \
+            integers                                                                  \
+        } else if (left.isFloat()) {                                                  \
+            [[maybe_unused]] const double a = left.asFloat();                         \
+            [[maybe_unused]] const double b = static_cast<std::int32_t>(pc->c);       \
+            floats                                                                    \
+        }                                                                             \
+        rest                                                                          \
     }
 
-#define ARITHMETIC(name, op, integers, floats)                     \
-    FORMS(                                                         \
-        name,                                                      \
-        if (left.isInt() && right.isInt()) {                       \
+// Integers first, then floats and mixtures.
+#define BY_KIND(integers, floats)                                  \
+    if (left.isInt()) [[likely]] {                                 \
+        if (right.isInt()) [[likely]] {                            \
             [[maybe_unused]] const std::int64_t a = left.asInt();  \
             [[maybe_unused]] const std::int64_t b = right.asInt(); \
             integers                                               \
-        } else if (left.isFloat() && right.isFloat()) {            \
-            [[maybe_unused]] const double a = left.asFloat();      \
-            [[maybe_unused]] const double b = right.asFloat();     \
-            floats                                                 \
-        } SAVE();                                                  \
-        vm->binarySlowly(ArithmeticOp::op, R(pc->a), left, right, ENDS); NEXT();)
+        }                                                          \
+    }                                                              \
+    if (double a = 0, b = 0; areNumbers(left, right, a, b)) {      \
+        floats                                                     \
+    }
 
-#define YIELD(expression)         \
-    R(pc->a) = Value(expression); \
+// What may fail, or call: either leads to another place.
+#define ATTEMPT(call)           \
+    if (!(call)) [[unlikely]] { \
+        goto resume;            \
+    }                           \
     NEXT();
 
-#define COMPARISON(name, test, swapped, slow)                                                    \
-    FORMS(                                                                                       \
-        name, bool holds; if (left.isInt() && right.isInt()) {                                   \
-            holds =                                                                              \
-                swapped ? test(right.asInt(), left.asInt()) : test(left.asInt(), right.asInt()); \
-        } else if (left.isFloat() && right.isFloat()) {                                          \
-            holds = swapped ? test(right.asFloat(), left.asFloat())                              \
-                            : test(left.asFloat(), right.asFloat());                             \
-        } else {                                                                                 \
-            SAVE();                                                                              \
-            holds = slow(ENDS);                                                                  \
-        } YIELD(holds))
+#define YIELD(value)    \
+    R(pc->a) = (value); \
+    NEXT();
+#define YIELD_NUMBER(number) \
+    R(pc->a).become(number); \
+    NEXT();
 
-#define BRANCHES(name, test, swapped, slow)       \
-    BRANCH(IF_##name, test, swapped, slow, holds) \
-    BRANCH(UNLESS_##name, test, swapped, slow, !holds)
+#define ARITHMETIC(name, op, integers, floats)    \
+    NUMERIC_FORMS(name, integers, floats, SAVE(); \
+                  ATTEMPT(vm->binarySlowly(ArithmeticOp::op, R(pc->a), left, right, ENDS)))
 
-#define BRANCH(name, test, swapped, slow, jumps)                                                 \
-    FORMS(                                                                                       \
-        name, bool holds; if (left.isInt() && right.isInt()) {                                   \
-            holds =                                                                              \
-                swapped ? test(right.asInt(), left.asInt()) : test(left.asInt(), right.asInt()); \
-        } else if (left.isFloat() && right.isFloat()) {                                          \
-            holds = swapped ? test(right.asFloat(), left.asFloat())                              \
-                            : test(left.asFloat(), right.asFloat());                             \
-        } else {                                                                                 \
-            SAVE();                                                                              \
-            holds = slow(pc->a);                                                                 \
-        } if (jumps) { JUMP_TO(pc->extra); } NEXT();)
+// A test of two numbers, as in `test(a, b)`, and what to do with other operands.
+#define COMPARISON(name, test, slow) \
+    NUMERIC_FORMS(name, YIELD_NUMBER(test), YIELD_NUMBER(test), SAVE(); slow(ENDS, YIELD_NUMBER))
 
-#define SLOW_EQUAL(ends) vm->equalSlowly(left, right, ends)
-#define SLOW_NOT_EQUAL(ends) !vm->equalSlowly(left, right, ends)
-#define SLOW_LESS(ends) vm->compareSlowly(Comparison::Less, left, right, ends)
-#define SLOW_LESS_EQUAL(ends) vm->compareSlowly(Comparison::LessEqual, left, right, ends)
-#define SLOW_GREATER(ends) vm->compareSlowly(Comparison::Greater, left, right, ends)
-#define SLOW_GREATER_EQUAL(ends) vm->compareSlowly(Comparison::GreaterEqual, left, right, ends)
+#define JUMP_IF(holds)      \
+    if (holds) {            \
+        JUMP_TO(pc->extra); \
+    }                       \
+    NEXT();
+#define JUMP_UNLESS(holds) JUMP_IF(!(holds))
 
-#define LIST_ELEMENT(object, index, body)                                \
-    if (object.isList() && index.isInt()) {                              \
-        std::vector<Value>& items = object.asList().items;               \
-        const auto position = static_cast<std::uint64_t>(index.asInt()); \
-        if (position < items.size()) {                                   \
-            body                                                         \
-        }                                                                \
-    }
+#define BRANCHES(name, test, slow)                                                       \
+    NUMERIC_FORMS(IF_##name, JUMP_IF(test), JUMP_IF(test), SAVE(); slow(pc->a, JUMP_IF)) \
+    NUMERIC_FORMS(UNLESS_##name, JUMP_UNLESS(test), JUMP_UNLESS(test), SAVE();           \
+                  slow(pc->a, JUMP_UNLESS))
+
+#define SLOW_EQUAL(ends, then)                             \
+    const bool holds = vm->equalSlowly(left, right, ends); \
+    then(holds)
+#define SLOW_NOT_EQUAL(ends, then)                          \
+    const bool holds = !vm->equalSlowly(left, right, ends); \
+    then(holds)
+#define SLOW_LESS(ends, then) SLOW_COMPARISON(Less, ends, then)
+#define SLOW_LESS_EQUAL(ends, then) SLOW_COMPARISON(LessEqual, ends, then)
+#define SLOW_GREATER(ends, then) SLOW_COMPARISON(Greater, ends, then)
+#define SLOW_GREATER_EQUAL(ends, then) SLOW_COMPARISON(GreaterEqual, ends, then)
+#define SLOW_COMPARISON(comparison, ends, then)                                           \
+    const Outcome outcome = vm->compareSlowly(Comparison::comparison, left, right, ends); \
+    if (outcome == Outcome::Failed) [[unlikely]] {                                        \
+        goto resume;                                                                      \
+    }                                                                                     \
+    then(outcome == Outcome::Yes)
 
 const void* const* VM::runRegisterCode(VM* vm) {
 #if defined(PELLUM_LABELS_AS_VALUES)
@@ -240,15 +305,16 @@ const void* const* VM::runRegisterCode(VM* vm) {
         NEXT();
     }
 
-    ARITHMETIC(ADD, Add, YIELD(wrapAdd(a, b)), YIELD(a + b))
-    ARITHMETIC(SUB, Subtract, YIELD(wrapSubtract(a, b)), YIELD(a - b))
-    ARITHMETIC(MUL, Multiply, YIELD(wrapMultiply(a, b)), YIELD(a * b))
-    ARITHMETIC(DIV, Divide, if (b != 0){YIELD(static_cast<double>(a) / static_cast<double>(b))},
-               if (b != 0){YIELD(a / b)})
-    ARITHMETIC(FLOOR_DIV, FloorDivide, if (b != 0){YIELD(floorDivide(a, b))},
-               if (b != 0){YIELD(floorDivide(a, b))})
-    ARITHMETIC(MOD, Modulo, if (b != 0){YIELD(truncatedRemainder(a, b))},
-               if (b != 0){YIELD(truncatedRemainder(a, b))})
+    ARITHMETIC(ADD, Add, YIELD_NUMBER(wrapAdd(a, b)), YIELD_NUMBER(a + b))
+    ARITHMETIC(SUB, Subtract, YIELD_NUMBER(wrapSubtract(a, b)), YIELD_NUMBER(a - b))
+    ARITHMETIC(MUL, Multiply, YIELD_NUMBER(wrapMultiply(a, b)), YIELD_NUMBER(a * b))
+    ARITHMETIC(DIV, Divide,
+               if (b != 0){YIELD_NUMBER(static_cast<double>(a) / static_cast<double>(b))},
+               if (b != 0){YIELD_NUMBER(a / b)})
+    ARITHMETIC(FLOOR_DIV, FloorDivide, if (b != 0){YIELD_NUMBER(floorDivide(a, b))},
+               if (b != 0){YIELD_NUMBER(floorDivide(a, b))})
+    ARITHMETIC(MOD, Modulo, if (b != 0){YIELD_NUMBER(truncatedRemainder(a, b))},
+               if (b != 0){YIELD_NUMBER(truncatedRemainder(a, b))})
     ARITHMETIC(POW, Power, , )
     ARM(NEGATE) {
         SAVE();
@@ -258,21 +324,21 @@ const void* const* VM::runRegisterCode(VM* vm) {
     ARM(NOT) {
         const bool truth = isTruthy(R(pc->b));
         if (pc->extra) R(pc->b) = Value();
-        YIELD(!truth)
+        YIELD_NUMBER(!truth)
     }
 
-    COMPARISON(EQUAL, isEqual, false, SLOW_EQUAL)
-    FORMS(NOT_EQUAL, SAVE(); const bool holds = SLOW_NOT_EQUAL(ENDS); YIELD(holds))
-    COMPARISON(LESS, isLess, false, SLOW_LESS)
-    COMPARISON(LESS_EQUAL, isLessEqual, false, SLOW_LESS_EQUAL)
-    COMPARISON(GREATER, isLess, true, SLOW_GREATER)
-    COMPARISON(GREATER_EQUAL, isLessEqual, true, SLOW_GREATER_EQUAL)
+    COMPARISON(EQUAL, isEqual(a, b), SLOW_EQUAL)
+    COMPARISON(NOT_EQUAL, !isEqual(a, b), SLOW_NOT_EQUAL)
+    COMPARISON(LESS, isLess(a, b), SLOW_LESS)
+    COMPARISON(LESS_EQUAL, isLessEqual(a, b), SLOW_LESS_EQUAL)
+    COMPARISON(GREATER, isLess(b, a), SLOW_GREATER)
+    COMPARISON(GREATER_EQUAL, isLessEqual(b, a), SLOW_GREATER_EQUAL)
 
-    BRANCHES(EQUAL, isEqual, false, SLOW_EQUAL)
-    BRANCHES(LESS, isLess, false, SLOW_LESS)
-    BRANCHES(LESS_EQUAL, isLessEqual, false, SLOW_LESS_EQUAL)
-    BRANCHES(GREATER, isLess, true, SLOW_GREATER)
-    BRANCHES(GREATER_EQUAL, isLessEqual, true, SLOW_GREATER_EQUAL)
+    BRANCHES(EQUAL, isEqual(a, b), SLOW_EQUAL)
+    BRANCHES(LESS, isLess(a, b), SLOW_LESS)
+    BRANCHES(LESS_EQUAL, isLessEqual(a, b), SLOW_LESS_EQUAL)
+    BRANCHES(GREATER, isLess(b, a), SLOW_GREATER)
+    BRANCHES(GREATER_EQUAL, isLessEqual(b, a), SLOW_GREATER_EQUAL)
 
     ARM(IF) {
         if (isTruthy(R(pc->a))) {
@@ -320,34 +386,44 @@ const void* const* VM::runRegisterCode(VM* vm) {
         }
         NEXT();
     }
-    ARM(FOR_LOOP) {
+    ARM(FOR_LOOP_UP) {
         Value& counter = R(pc->a);
         const Value& limit = R(pc->b);
-        const Value& step = R(pc->c);
-        bool on;
-        if (counter.isInt() && limit.isInt() && step.isInt()) {
-            const std::int64_t next = wrapAdd(counter.asInt(), step.asInt());
-            counter = Value(next);
-            on = goesOn(next, limit.asInt(), step.asInt());
-        } else if (counter.isFloat() && limit.isFloat() && step.isFloat()) {
-            const double next = counter.asFloat() + step.asFloat();
-            counter = Value(next);
-            on = goesOn(next, limit.asFloat(), step.asFloat());
-        } else if (counter.isInt() && limit.isFloat() && step.isInt()) {
-            const std::int64_t next = wrapAdd(counter.asInt(), step.asInt());
-            counter = Value(next);
-            on = goesOn(static_cast<double>(next), limit.asFloat(),
-                        static_cast<double>(step.asInt()));
-        } else {
-            SAVE();
-            vm->advanceSlowly(counter, step);
-            on = vm->forTestSlowly(counter, limit, step);
+        if (counter.isInt() && limit.isInt()) [[likely]] {
+            const std::int64_t next = wrapAdd(counter.asInt(), std::int64_t{pc->c});
+            counter.become(next);
+            JUMP_IF(isLessEqual(next, limit.asInt()))
         }
-        if (on) {
-            JUMP_TO(pc->extra);
-        }
-        NEXT();
+        goto advance;
     }
+    ARM(FOR_LOOP)
+advance : {
+    Value& counter = R(pc->a);
+    const Value& limit = R(pc->b);
+    const Value& step = *(&limit + 1);
+    bool on;
+    if (counter.isInt() && limit.isInt() && step.isInt()) {
+        const std::int64_t next = wrapAdd(counter.asInt(), step.asInt());
+        counter.become(next);
+        on = goesOn(next, limit.asInt(), step.asInt());
+    } else if (counter.isFloat() && limit.isFloat() && step.isFloat()) {
+        const double next = counter.asFloat() + step.asFloat();
+        counter.become(next);
+        on = goesOn(next, limit.asFloat(), step.asFloat());
+    } else if (counter.isInt() && limit.isFloat() && step.isInt()) {
+        const std::int64_t next = wrapAdd(counter.asInt(), step.asInt());
+        counter.become(next);
+        on = goesOn(static_cast<double>(next), limit.asFloat(), static_cast<double>(step.asInt()));
+    } else {
+        SAVE();
+        vm->advanceSlowly(counter, step);
+        on = vm->forTestSlowly(counter, limit, step);
+    }
+    if (on) {
+        JUMP_TO(pc->extra);
+    }
+    NEXT();
+}
     ARM(FOR_IN_TEST) {
         const std::vector<Value>& items = R(pc->c).asList().items;
         const auto position = static_cast<std::uint64_t>(R(pc->b).asInt());
@@ -360,7 +436,7 @@ const void* const* VM::runRegisterCode(VM* vm) {
     ARM(FOR_IN_LOOP) {
         const std::vector<Value>& items = R(pc->c).asList().items;
         const auto position = static_cast<std::uint64_t>(R(pc->b).asInt()) + 1;
-        R(pc->b) = Value(position);
+        R(pc->b).become(static_cast<std::int64_t>(position));
         if (position < items.size()) {
             R(pc->a) = items[position];
             JUMP_TO(pc->extra);
@@ -368,25 +444,75 @@ const void* const* VM::runRegisterCode(VM* vm) {
         NEXT();
     }
 
-    FORMS(INDEX, if (ENDS == 0) LIST_ELEMENT(left, right, YIELD(items[position])) SAVE();
-          vm->indexSlowly(R(pc->a), left, right, ENDS); NEXT();)
+    // The inner container is borrowed. Where this is not the usual case, two instructions they are.
+    ARM(INDEX_THEN_INDEX) {
+        if (const Value* inner = elementAt(R(pc->b), R(pc->c))) [[likely]] {
+            if (const Value* element = elementAt(*inner, R(pc[1].c))) [[likely]] {
+                ++pc;
+                YIELD(*element)
+            }
+        }
+        goto index_plainly;
+    }
+    ARM(INDEX_THEN_FIELD) {
+        if (const Value* inner = elementAt(R(pc->b), R(pc->c)); inner && inner->isMap())
+            [[likely]] {
+            const auto place = static_cast<std::uint32_t>(pc[1].extra);
+            if (const Value* found = inner->asMap().valueAt(place, pc[1].key)) [[likely]] {
+                ++pc;
+                YIELD(*found)
+            }
+        }
+    }
+index_plainly:
+    FORMS(
+        INDEX,
+        if (const Value* element = elementAt(left, right)) [[likely]] {
+            if (ENDS & endsLeft) [[unlikely]] {
+                takeElement(R(pc->a), left, *element);
+                NEXT();
+            }
+            YIELD(*element)
+        } if (left.isString() && right.isInt() && ENDS == 0) {
+            const std::string_view text = left.asText();
+            const auto position = static_cast<std::uint64_t>(right.asInt());
+            if (position < text.size()) [[likely]] {
+                YIELD(Value(StringObj::oneByte(static_cast<unsigned char>(text[position]))))
+            }
+        } SAVE();
+        ATTEMPT(vm->indexSlowly(R(pc->a), left, right, ENDS)))
     ARM(FIELD_R) {
+        if (Value& object = R(pc->b); object.isMap()) [[likely]] {
+            if (const Value* found = object.asMap().valueAt(PLACE, pc->key)) [[likely]] {
+                if (pc->c & endsLeft) [[unlikely]] {
+                    takeElement(R(pc->a), object, *found);
+                    NEXT();
+                }
+                YIELD(*found)
+            }
+        }
         SAVE();
-        vm->field(const_cast<Instruction&>(*pc), R(pc->a), R(pc->b));
-        NEXT();
+        ATTEMPT(vm->field(const_cast<Instruction&>(*pc), R(pc->a), R(pc->b)))
     }
     ARM(FIELD_P) {
         SAVE();
         Value& object = const_cast<Value&>(*frame->closure->code->pointers[pc->b]);
-        vm->field(const_cast<Instruction&>(*pc), R(pc->a), object);
-        NEXT();
+        ATTEMPT(vm->field(const_cast<Instruction&>(*pc), R(pc->a), object))
     }
-    FORMS(SET_INDEX, if ((ENDS & ~endsValue) == 0) LIST_ELEMENT(
-                         left, right, if (ENDS) { items[position] = std::move(R(pc->a)); } else {
-                             items[position] = R(pc->a);
-                         } NEXT();) SAVE();
-          vm->setIndexSlowly(left, right, R(pc->a), ENDS); NEXT();)
+    FORMS(
+        SET_INDEX,
+        if (Value* element = elementAt(left, right)) [[likely]] {
+            storeElement(*element, left, R(pc->a), ENDS);
+            NEXT();
+        } SAVE();
+        vm->setIndexSlowly(left, right, R(pc->a), ENDS); NEXT();)
     ARM(SET_FIELD_R) {
+        if (Value& object = R(pc->b); object.isMap()) [[likely]] {
+            if (Value* found = object.asMap().valueAt(PLACE, pc->key)) [[likely]] {
+                storeElement(*found, object, R(pc->a), pc->c);
+                NEXT();
+            }
+        }
         SAVE();
         vm->setField(const_cast<Instruction&>(*pc), R(pc->b), R(pc->a));
         NEXT();
@@ -425,11 +551,12 @@ const void* const* VM::runRegisterCode(VM* vm) {
     ARM(CALL)
 call : {
     Value* const callee = &R(pc->a);
-    if (callee->kind() == ValueKind::Closure) {
+    if (callee->kind() == ValueKind::Closure) [[likely]] {
         auto& closure = static_cast<VMClosure&>(*static_cast<CallableObj*>(callee->object()));
         const RegisterCode& code = *closure.code;
-        if (code.isUsable && pc->b == code.arity && frame != vm->lastFrame_ &&
-            vm->stack_.end() - callee > static_cast<std::ptrdiff_t>(code.maxDepth)) {
+        if (pc->b == code.arity && frame != vm->lastFrame_ &&
+            reinterpret_cast<char*>(vm->stack_.end()) - reinterpret_cast<char*>(callee) >
+                static_cast<std::ptrdiff_t>(code.maxDepth * sizeof(Value))) {
             frame->pc = pc + 1;
             base = callee + 1;
             ++frame;
@@ -443,10 +570,9 @@ call : {
         }
     }
     SAVE();
-    if (!vm->callSlowly(callee, pc->b)) {
-        NEXT();
-    }
-    frame->pc = pc + 1;
+    ATTEMPT(vm->callSlowly(callee, pc->b))
+}
+resume : {
     frame = vm->frame_;
     if (frame->isPlain) return nullptr;
     pc = frame->pc;
@@ -460,14 +586,14 @@ call : {
     }
     ARM(RETURN_P) {
         if (pc->extra) vm->leaveScopes(base, pc->extra);
-        for (Value *slot = base, *end = &R(pc->b); slot != end; ++slot) *slot = Value();
+        for (Value *slot = base, *end = &R(pc->b); slot != end; ++slot) slot->releaseObject();
         base[-1] = *pc->pointer;
         goto leave;
     }
     ARM(RETURN_LOCAL) {
         if (pc->extra) vm->leaveScopes(base, pc->extra);
         base[-1].swap(R(pc->a));
-        for (Value *slot = base, *end = &R(pc->b); slot != end; ++slot) *slot = Value();
+        for (Value *slot = base, *end = &R(pc->b); slot != end; ++slot) slot->releaseObject();
     }
 leave : {
     vm->stack_.setTop(base);

@@ -12,9 +12,23 @@ namespace pellum {
 namespace {
 
 // Releases the operands that end with an instruction.
-void endOperands(Value& left, Value& right, std::uint32_t ends) noexcept {
+inline void endOperands(Value& left, Value& right, std::uint32_t ends) noexcept {
+    if (ends == 0) [[likely]]
+        return;
     if (ends & endsLeft) left = Value();
     if (ends & endsRight) right = Value();
+}
+
+Value keyOf(const Instruction& at) { return Value(Ref<StringObj>(const_cast<StringObj*>(at.key))); }
+
+// Looks where the field was the last time, then everywhere, and remembers where it is now.
+Value* findField(Instruction& at, MapData& map) {
+    Value* found = map.valueAt(static_cast<std::uint32_t>(at.extra), at.key);
+    if (!found) {
+        found = map.find(keyOf(at));
+        if (found) at.extra = static_cast<std::int32_t>(map.placeOf(found));
+    }
+    return found;
 }
 
 }  // namespace
@@ -22,42 +36,41 @@ void endOperands(Value& left, Value& right, std::uint32_t ends) noexcept {
 bool VM::callSlowly(Value* callee, std::size_t argCount) {
     stack_.setTop(callee + 1 + argCount);
     if (callee->kind() != ValueKind::Native) {
+        Frame* const caller = frame_;
         callValue(argCount, position());
-        return true;
+        ++caller->pc;  // where the callee returns to
+        return false;
     }
-    std::vector<Value> args;
-    if (!argumentPool_.empty()) {
-        args = std::move(argumentPool_.back());
-        argumentPool_.pop_back();
-    }
-    args.assign(std::make_move_iterator(callee + 1), std::make_move_iterator(stack_.top()));
-    const auto& native = static_cast<const NativeObj&>(callee->asFunction());
-    *callee = callNative(native, *this, args, position());
-    if (argumentPool_.size() < argumentPool_.capacity()) {
-        args.clear();
-        argumentPool_.push_back(std::move(args));
-    }
-    return false;
+    const auto& native =
+        static_cast<const NativeObj&>(*static_cast<CallableObj*>(callee->object()));
+    if (!native.accepts(argCount)) throw arityError(native, argCount, position());
+    Value result = runNative(native, *this, {callee + 1, argCount});
+    if (hasFailed()) return raiseFailure();
+    for (Value *slot = callee + 1, *end = slot + argCount; slot != end; ++slot) *slot = Value();
+    *callee = std::move(result);
+    return true;
 }
 
-void VM::binarySlowly(ArithmeticOp op, Value& to, Value& left, Value& right, std::uint32_t ends) {
+bool VM::binarySlowly(ArithmeticOp op, Value& to, Value& left, Value& right, std::uint32_t ends) {
     if (left.isNumber() && right.isNumber()) {
-        to = numberArithmetic(op, left, right, position());
-        return;
+        if (dividesByZero(op, right)) return raise(zeroDivisionMessage(op));
+        to = numberArithmetic(op, left, right, Position{});
+        return true;
     }
     if (op != ArithmeticOp::Add) {
-        fail(std::string("arithmetic needs numbers, got ") + typeName(left) + " and " +
-             typeName(right));
+        return raise(std::string("arithmetic needs numbers, got ") + typeName(left) + " and " +
+                     typeName(right));
     }
     if (&to == &left && &left != &right) {
         addInPlace(to, right, position());  // as in `s = s + x`
         if (ends & endsRight) right = Value();
-        return;
+        return true;
     }
     Value sum = (ends & endsLeft) ? std::move(left) : left;
     addInPlace(sum, right, position());
     endOperands(left, right, ends);
     to = std::move(sum);
+    return true;
 }
 
 void VM::negateSlowly(Value& to, Value& operand, std::uint32_t ends) {
@@ -66,22 +79,31 @@ void VM::negateSlowly(Value& to, Value& operand, std::uint32_t ends) {
     to = std::move(result);
 }
 
-bool VM::compareSlowly(Comparison comparison, Value& left, Value& right, std::uint32_t ends) {
-    const bool holds = compare(comparison, left, right, position());
+VM::Outcome VM::compareSlowly(Comparison comparison, Value& left, Value& right,
+                              std::uint32_t ends) {
+    if (!areComparable(left, right)) {
+        raise(comparisonMessage(left, right));
+        return Outcome::Failed;
+    }
+    const bool holds = compare(comparison, left, right, Position{});
     endOperands(left, right, ends);
-    return holds;
+    return holds ? Outcome::Yes : Outcome::No;
 }
 
 bool VM::equalSlowly(Value& left, Value& right, std::uint32_t ends) {
-    const bool holds = valuesEqual(left, right);
+    const bool holds = left.isString() && right.isString()
+                           ? areSameText(left.asString(), right.asString())
+                           : valuesEqual(left, right);
     endOperands(left, right, ends);
     return holds;
 }
 
-void VM::indexSlowly(Value& to, Value& object, Value& index, std::uint32_t ends) {
-    Value element = readIndex(object, index, position());
+bool VM::indexSlowly(Value& to, Value& object, Value& index, std::uint32_t ends) {
+    Value element;
+    if (!tryReadIndex(object, index, element)) return raise(readIndexMessage(object, index));
     endOperands(object, index, ends);
     to = std::move(element);
+    return true;
 }
 
 void VM::setIndexSlowly(Value& object, Value& index, Value& value, std::uint32_t ends) {
@@ -89,40 +111,25 @@ void VM::setIndexSlowly(Value& object, Value& index, Value& value, std::uint32_t
     endOperands(object, index, ends);
 }
 
-void VM::field(Instruction& at, Value& to, Value& object) {
+bool VM::field(Instruction& at, Value& to, Value& object) {
     Value element;
-    if (object.isMap()) {
-        const auto position = static_cast<std::size_t>(at.extra);
-        MapData& map = object.asMap();
-        const Value* found = map.valueAt(position, at.pointer->object());
-        if (!found) {
-            found = map.find(*at.pointer);
-            if (found) at.extra = static_cast<std::int32_t>(map.positionOf(found));
-        }
-        if (found) element = *found;
-    } else {
-        element = readIndex(object, *at.pointer, position());
+    if (object.isMap()) [[likely]] {
+        if (const Value* found = findField(at, object.asMap())) element = *found;
+    } else if (!tryReadIndex(object, keyOf(at), element)) {
+        return raise(readIndexMessage(object, keyOf(at)));
     }
     if (at.c & endsLeft) object = Value();
     to = std::move(element);
+    return true;
 }
 
 void VM::setField(Instruction& at, Value& object, Value& value) {
     Value stored = (at.c & endsValue) ? std::move(value) : value;
-    if (object.isMap()) {
-        MapData& map = object.asMap();
-        Value* found = map.valueAt(static_cast<std::size_t>(at.extra), at.pointer->object());
-        if (!found) {
-            found = map.find(*at.pointer);
-            if (found) at.extra = static_cast<std::int32_t>(map.positionOf(found));
-        }
-        if (found) {
-            *found = std::move(stored);
-        } else {
-            writeIndex(object, *at.pointer, std::move(stored), position());
-        }
+    Value* const found = object.isMap() ? findField(at, object.asMap()) : nullptr;
+    if (found) [[likely]] {
+        *found = std::move(stored);
     } else {
-        writeIndex(object, *at.pointer, std::move(stored), position());
+        writeIndex(object, keyOf(at), std::move(stored), position());
     }
     if (at.c & endsLeft) object = Value();
 }

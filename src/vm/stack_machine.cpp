@@ -7,7 +7,7 @@
 
 namespace pellum {
 
-void VM::runStackCode(std::size_t baseDepth) {
+void VM::runStackCode() {
     Frame* frame = frame_;
     const std::uint8_t* ip = frame->ip;
     const auto readU8 = [&] { return *ip++; };
@@ -148,7 +148,7 @@ void VM::runStackCode(std::size_t baseDepth) {
             case OpCode::CLOSURE: push(makeClosure(nextU16())); break;
             case OpCode::RETURN:
                 leavePlainFrame();
-                if (frameCount() == baseDepth || !frame_->isPlain) return;
+                if (frameCount() == baseDepth_ || !frame_->isPlain) return;
                 frame = frame_;
                 ip = frame->ip;
                 break;
@@ -179,7 +179,7 @@ void VM::runStackCode(std::size_t baseDepth) {
                 break;
             case OpCode::HALT:
                 // The run ends here with nil, whatever is still on the stack.
-                while (frameCount() > baseDepth) popFrame();
+                while (frameCount() > baseDepth_) popFrame();
                 push(Value());
                 return;
         }

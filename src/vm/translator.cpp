@@ -6,6 +6,7 @@
 #include <optional>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
 namespace pellum {
 
@@ -27,6 +28,7 @@ struct Operand {
     std::size_t slot;
     const Value* pointer;
     bool ends;  // a temporary that may hold a reference
+    bool isGlobal = false;
 };
 
 // A conditional jump that consumes its condition on both ways.
@@ -41,9 +43,21 @@ constexpr std::uint32_t slotOffset(std::size_t slot) noexcept {
 }
 
 // The op of a form, given that of the first one.
-RegisterOp form(RegisterOp first, bool leftIsPointer, bool rightIsPointer) noexcept {
-    const std::uint32_t offset = rightIsPointer ? 1 : leftIsPointer ? 2 : 0;
-    return static_cast<RegisterOp>(static_cast<std::uint32_t>(first) + offset);
+enum class Form : std::uint32_t { RR, RP, PR, RI };
+RegisterOp withForm(RegisterOp first, Form form) noexcept {
+    return static_cast<RegisterOp>(static_cast<std::uint32_t>(first) +
+                                   static_cast<std::uint32_t>(form));
+}
+
+Form formOf(const Operand& left, const Operand& right) noexcept {
+    return right.isPointer ? Form::RP : left.isPointer ? Form::PR : Form::RR;
+}
+
+// Arithmetic and comparisons also take small integer constants as they are.
+Form numericFormOf(const Operand& left, const Operand& right) noexcept {
+    const bool isImmediate = right.isPointer && !right.isGlobal && right.pointer->isInt() &&
+                             std::in_range<std::int32_t>(right.pointer->asInt());
+    return isImmediate ? Form::RI : formOf(left, right);
 }
 
 const Value* literal(OpCode op) noexcept {
@@ -64,9 +78,8 @@ public:
         result_->instructions.clear();
         result_->codeOffsets.clear();
         result_->pointers.clear();
-        result_->arity = proto_.arity;
         result_->maxDepth = analysis_.maxDepth;
-        result_->isUsable = analysis_.isRegular && translateAll();
+        if (analysis_.isRegular && translateAll()) result_->arity = proto_.arity;
         result_->isTranslated = true;
     }
 
@@ -197,6 +210,12 @@ private:
         materializeIf([](const Entry& entry) { return entry.isGlobal; });
     }
 
+    const Value* constantOnTop() const {
+        if (entries_.empty()) return nullptr;
+        const Entry& top = entries_.back();
+        return top.where == Entry::Where::Pointer && !top.isGlobal ? top.pointer : nullptr;
+    }
+
     Operand operandAt(std::size_t position) const {
         const Entry& entry = entries_[position];
         switch (entry.where) {
@@ -204,7 +223,7 @@ private:
             case Entry::Where::Local: return {false, entry.local, nullptr, false};
             case Entry::Where::Pointer: break;
         }
-        return {true, 0, entry.pointer, false};
+        return {true, 0, entry.pointer, false, entry.isGlobal};
     }
     Operand popOperand() {
         const Operand operand = operandAt(depth() - 1);
@@ -304,6 +323,7 @@ private:
             }
             if (isLabel(offset_) || !isFlowing_) {
                 if (!isLabel(offset_) && offset_ != 0) continue;
+                loopStep_ = isFlowing_ ? constantOnTop() : nullptr;
                 if (isFlowing_) materializeAll();
                 entries_.assign(static_cast<std::size_t>(analysis_.depths[offset_]), Entry{});
                 bindLabel(offset_);
@@ -535,7 +555,7 @@ private:
         const Operand right = popOperand();
         const Operand left = popOperand();
         const std::size_t slot = to();
-        Instruction& instruction = emit(form(first, left.isPointer, right.isPointer), offset_);
+        Instruction& instruction = emit(withForm(first, numericFormOf(left, right)), offset_);
         instruction.a = slotOffset(slot);
         instruction.extra =
             static_cast<std::int32_t>((left.ends ? endsLeft : 0U) | (right.ends ? endsRight : 0U));
@@ -550,6 +570,9 @@ private:
         }
         if (right.isPointer) {
             instruction.pointer = right.pointer;
+            if (right.pointer->isInt()) {  // where it is small, forms with an immediate find it
+                instruction.c = static_cast<std::uint32_t>(right.pointer->asInt());
+            }
         } else {
             instruction.c = slotOffset(right.slot);
         }
@@ -566,7 +589,7 @@ private:
         const Operand left = popOperand();
         materializeAll();
         Instruction& instruction =
-            emit(form(branch->onTrue ? ifTrue : ifFalse, left.isPointer, right.isPointer), offset_);
+            emit(withForm(branch->onTrue ? ifTrue : ifFalse, numericFormOf(left, right)), offset_);
         instruction.a = (left.ends ? endsLeft : 0U) | (right.ends ? endsRight : 0U);
         fillOperands(instruction, left, right);
         jumpsForward(branch->target);
@@ -613,14 +636,26 @@ private:
             get.a = slotOffset(to);
             get.b = objectIsPointer ? addPointer(object.pointer) : slotOffset(object.slot);
             get.c = ends;
-            get.pointer = index.pointer;
+            get.key = &index.pointer->asString();
+            if (!objectIsPointer) borrowElement(object, RegisterOp::INDEX_THEN_FIELD);
             return;
         }
-        Instruction& get =
-            emit(form(RegisterOp::INDEX_RR, object.isPointer, index.isPointer), offset_);
+        Instruction& get = emit(withForm(RegisterOp::INDEX_RR, formOf(object, index)), offset_);
         get.a = slotOffset(to);
         get.extra = static_cast<std::int32_t>(ends);
         fillOperands(get, object, index);
+        if (get.op == RegisterOp::INDEX_RR) borrowElement(object, RegisterOp::INDEX_THEN_INDEX);
+    }
+
+    // Where the instruction before the last has only fetched the container that the last one looks
+    // into, it may do the work of both.
+    void borrowElement(const Operand& container, RegisterOp both) {
+        const std::size_t last = here() - 1;
+        if (last == 0 || lastLabel_ == last || !container.ends) return;
+        Instruction& fetch = result_->instructions[last - 1];
+        const bool isFetched =
+            fetch.op == RegisterOp::INDEX_RR && fetch.a == slotOffset(container.slot);
+        if (isFetched && !(static_cast<std::uint32_t>(fetch.extra) & endsLeft)) fetch.op = both;
     }
 
     void indexSet() {
@@ -644,11 +679,10 @@ private:
             set.a = slotOffset(value.slot);
             set.b = objectIsPointer ? addPointer(object.pointer) : slotOffset(object.slot);
             set.c = ends;
-            set.pointer = index.pointer;
+            set.key = &index.pointer->asString();
             return;
         }
-        Instruction& set =
-            emit(form(RegisterOp::SET_INDEX_RR, object.isPointer, index.isPointer), offset_);
+        Instruction& set = emit(withForm(RegisterOp::SET_INDEX_RR, formOf(object, index)), offset_);
         set.a = slotOffset(value.slot);
         set.extra = static_cast<std::int32_t>(ends);
         fillOperands(set, object, index);
@@ -703,7 +737,10 @@ private:
         instruction.c = slotOffset(u16At(offset_ + 6));
         jumpsForward(branch->target);
         next_ = branch->resume;
-        forBodies_[offset_] = here();
+        const bool isSmall = loopStep_ && loopStep_->isInt() && loopStep_->asInt() > 0 &&
+                             std::in_range<std::uint32_t>(loopStep_->asInt());
+        forBodies_[offset_] = {here(),
+                               isSmall ? static_cast<std::uint32_t>(loopStep_->asInt()) : 0};
         return true;
     }
 
@@ -716,11 +753,13 @@ private:
         const auto body = forBodies_.find(loop + 3 - u16At(loop));
         if (body == forBodies_.end()) return false;
         materializeAll();
-        Instruction& instruction = emit(RegisterOp::FOR_LOOP, offset_ + 6);
+        const auto [start, step] = body->second;
+        Instruction& instruction =
+            emit(step > 0 ? RegisterOp::FOR_LOOP_UP : RegisterOp::FOR_LOOP, offset_ + 6);
         instruction.a = slotOffset(u16At(offset_));
         instruction.b = slotOffset(u16At(offset_) + 1);
-        instruction.c = slotOffset(u16At(offset_ + 3));
-        jumpsBack(body->second);
+        instruction.c = step;
+        jumpsBack(start);
         isFlowing_ = false;
         next_ = loop + 3;
         return true;
@@ -777,7 +816,12 @@ private:
     std::size_t lastLabel_ = 0;  // the latest instruction that something jumps forward to
     std::unordered_map<std::size_t, std::vector<std::size_t>> jumpsTo_;  // by code offset
     std::unordered_map<std::size_t, std::size_t> loopStarts_;  // code offset -> instruction
-    std::unordered_map<std::size_t, std::size_t> forBodies_;
+    struct ForBody {
+        std::size_t start;
+        std::uint32_t step;  // where that is a small constant and positive, else 0
+    };
+    std::unordered_map<std::size_t, ForBody> forBodies_;
+    const Value* loopStep_ = nullptr;  // of the numeric loop that may start here, if constant
     std::unordered_map<std::size_t, std::size_t> forInBodies_;
     std::unordered_set<const GlobalCell*> definedHere_;
 };
@@ -786,7 +830,7 @@ private:
 
 void translate(RegisterCode& code, Globals& globals, const void* const* arms) {
     Translator(code, globals).run();
-    if (!arms || !code.isUsable) return;
+    if (!arms || !code.isUsable()) return;
     for (Instruction& instruction : code.instructions) {
         instruction.arm = arms[static_cast<std::size_t>(instruction.op)];
     }

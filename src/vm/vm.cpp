@@ -10,7 +10,6 @@ namespace pellum {
 
 namespace {
 
-// What a frame returns to that does not return to register code.
 const Instruction* exitInstruction(const void* const* arms) {
     static const Instruction exit = [&] {
         Instruction instruction;
@@ -28,9 +27,9 @@ VM::VM(Console& console, Code preferred)
       frames_(std::make_unique_for_overwrite<Frame[]>(maxFrames + 1)),
       frame_(frames_.get()),
       lastFrame_(frames_.get() + maxFrames),
+      exit_(exitInstruction(runRegisterCode(nullptr))),
       preferred_(preferred) {
     *frame_ = Frame{nullptr, nullptr, nullptr, stack_.begin(), true, false};
-    argumentPool_.reserve(maxPooledArguments);
     registerBuiltins(globals_);
 }
 
@@ -44,34 +43,46 @@ Value VM::run(const Ref<FunctionProto>& script) {
     closure->code = &codeOf(script);
     push(Value(Ref<CallableObj>(std::move(closure))), Position{});
     callValue(0, Position{});
-    return runToDepth(0);
+    return runToBase();
 }
 
-Value VM::call(const Value& callee, std::span<Value> args) {
+Value VM::call(const Value& callee, Arguments args) {
     if (hostStackIsLow()) throw RuntimeError("call stack overflow (too much recursion)");
-    const std::size_t baseDepth = frameCount();
+    const std::size_t outerDepth = std::exchange(baseDepth_, frameCount());
     try {
-        push(callee, Position{});
-        for (Value& arg : args) push(std::move(arg), Position{});
-        callValue(args.size(), Position{});
-        if (frameCount() == baseDepth) return stack_.pop();  // a native, which has run already
-        return runToDepth(baseDepth);
+        Value result = callOnTop(callee, args);
+        baseDepth_ = outerDepth;
+        return result;
     } catch (...) {
         // A lack of memory passes by the handlers of the function called, and whoever asked for the
         // call makes an error of it that a handler further out may catch.
-        dropHandlersAbove(baseDepth);
+        dropHandlersAbove(baseDepth_);
+        baseDepth_ = outerDepth;
         throw;
     }
 }
 
-Value VM::runToDepth(std::size_t baseDepth) {
-    frames_[baseDepth].pc = exitInstruction(runRegisterCode(nullptr));
+Value VM::callOnTop(const Value& callee, Arguments args) {
+    if (static_cast<std::size_t>(stack_.end() - stack_.top()) <= args.size()) {
+        throw RuntimeError("stack overflow");
+    }
+    Value* slot = stack_.top();
+    *slot++ = callee;
+    for (Value& arg : args) *slot++ = std::move(arg);
+    stack_.setTop(slot);
+    if (!enterClosure(slot - args.size() - 1, args.size())) callValue(args.size(), Position{});
+    if (frameCount() == baseDepth_) return stack_.pop();  // a native, which has run already
+    return runToBase();
+}
+
+Value VM::runToBase() {
+    frames_[baseDepth_].pc = exit_;
     for (;;) {
         Value caught;
         try {
-            while (frameCount() > baseDepth) {
+            while (frameCount() > baseDepth_) {
                 if (frame_->isPlain) {
-                    runStackCode(baseDepth);
+                    runStackCode();
                 } else {
                     runRegisterCode(this);
                 }
@@ -79,12 +90,27 @@ Value VM::runToDepth(std::size_t baseDepth) {
             return stack_.pop();
         } catch (const ThrownValue& thrown) {
             caught = thrown.value;
-            if (!enterHandler(baseDepth, std::move(caught))) throw;
+            if (!enterHandler(std::move(caught))) throw;
         } catch (const RuntimeError& error) {
             caught = Value(error.message);
-            if (!enterHandler(baseDepth, std::move(caught))) throw;
+            if (!enterHandler(std::move(caught))) throw;
         }
     }
+}
+
+bool VM::raise(std::string_view message) {
+    if (!isHandled()) throw RuntimeError(std::string(message), position());
+    return raiseCaught(Value(message));
+}
+
+bool VM::raiseFailure() {
+    if (!isHandled()) throwFailure();
+    return raiseCaught(takeFailure());
+}
+
+bool VM::raiseCaught(Value caught) {
+    enterHandler(std::move(caught));
+    return false;
 }
 
 void VM::enterTry(const Value* top, const void* target) {
@@ -102,8 +128,8 @@ void VM::enterTry(const Value* top, const void* target) {
 
 // A handler outlives its `try` when that is left by `break`, `continue` or `return`; it may then
 // fire where the stack is shorter than it was, and the catch code finds nil in the missing slots.
-bool VM::enterHandler(std::size_t baseDepth, Value caught) {
-    if (handlers_.empty() || handlers_.back().frameCount <= baseDepth) return false;
+bool VM::enterHandler(Value caught) {
+    if (handlers_.empty() || handlers_.back().frameCount <= baseDepth_) return false;
     const Handler handler = handlers_.back();
     leaveTry();
     coverTopFrame();
@@ -125,6 +151,20 @@ void VM::coverTopFrame() noexcept {
     stack_.setTop(std::max(stack_.top(), frame_->base + frame_->closure->code->maxDepth));
 }
 
+// The usual call: of a closure whose register code fits on the stack. False, and nothing done,
+// where it is not usual.
+bool VM::enterClosure(Value* callee, std::size_t argCount) noexcept {
+    if (callee->kind() != ValueKind::Closure) return false;
+    auto& closure = static_cast<VMClosure&>(*static_cast<CallableObj*>(callee->object()));
+    const RegisterCode& code = *closure.code;
+    if (argCount != code.arity || frame_ == lastFrame_ || frame_->isPlain ||
+        stack_.end() - callee <= static_cast<std::ptrdiff_t>(code.maxDepth)) {
+        return false;
+    }
+    *++frame_ = Frame{&closure, code.instructions.data(), nullptr, callee + 1, false, false};
+    return true;
+}
+
 void VM::callValue(std::size_t argCount, Position at) {
     const Value& callee = stack_.peek(argCount);
     switch (callee.kind()) {
@@ -138,7 +178,7 @@ void VM::callValue(std::size_t argCount, Position at) {
 }
 
 void VM::callNativeOnTop(const NativeObj& native, std::size_t argCount, Position at) {
-    // The arguments stay on the stack while the native runs.
+    // The arguments stay on the stack while the native runs, even those that it moves from.
     std::vector<Value> args(stack_.top() - argCount, stack_.top());
     Value result = callNative(native, *this, args, at);
     stack_.resize(stack_.size() - argCount);
@@ -156,15 +196,11 @@ void VM::pushFrame(VMClosure& closure, std::size_t argCount, Position at) {
     Value* const base = stack_.top() - argCount;
     const RegisterCode& code = translatedCode(closure);
     const bool isExact = needsExactCallee(base - 1);
-    const bool isPlain = isExact || preferred_ == Code::Stack || !code.isUsable ||
+    const bool isPlain = isExact || preferred_ == Code::Stack || !code.isUsable() ||
                          stack_.end() - base < static_cast<std::ptrdiff_t>(code.maxDepth);
-    *++frame_ =
-        Frame{&closure,
-              isPlain ? exitInstruction(runRegisterCode(nullptr)) : code.instructions.data(),
-              proto.code.data(),
-              base,
-              isPlain,
-              isExact};
+    *++frame_ = Frame{&closure,          isPlain ? exit_ : code.instructions.data(),
+                      proto.code.data(), base,
+                      isPlain,           isExact};
     if (isPlain) closure.retain();
 }
 

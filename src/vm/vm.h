@@ -23,10 +23,6 @@ public:
     // Calls nested deeper than this, the script's own included, are an error of the program.
     static constexpr std::size_t maxFrames = 4'096;
 
-    // Argument vectors of natives that are kept for the next call. As many are in use at a time as
-    // calls of natives are nested in each other.
-    static constexpr std::size_t maxPooledArguments = 16;
-
     enum class Code { Register, Stack };
 
     // Reserves the stacks and installs the builtins. REQUIRES: the console outlives this.
@@ -37,7 +33,7 @@ public:
     // RuntimeError and ThrownValue; after that, the machine is of no more use.
     Value run(const Ref<FunctionProto>& script);
 
-    Value call(const Value& callee, std::span<Value> args) override;
+    Value call(const Value& callee, Arguments args) override;
 
     // Binds a global, for what is installed beside the builtins.
     void define(const Symbol& name, Value value) { globals_.define(name, std::move(value)); }
@@ -65,23 +61,35 @@ private:
         return static_cast<std::size_t>(frame_ - frames_.get());
     }
 
-    // Runs the frames above `baseDepth` until the last of them returns; what is thrown meanwhile
+    // Runs the frames above `baseDepth_` until the last of them returns; what is thrown meanwhile
     // goes to the script's handlers above that depth first.
-    Value runToDepth(std::size_t baseDepth);
-    bool enterHandler(std::size_t baseDepth, Value caught);
+    Value runToBase();
+    Value callOnTop(const Value& callee, Arguments args);
+
+    // What goes wrong in register code need not be thrown where a handler of this run waits. All
+    // three answer false once that has been entered, so that the engine goes on there.
+    bool raise(std::string_view message);
+    bool raiseFailure();
+    bool raiseCaught(Value caught);
+    bool isHandled() const noexcept {
+        return !handlers_.empty() && handlers_.back().frameCount > baseDepth_ &&
+               handlers_.back().stackSize < ValueStack::capacity;
+    }
+    bool enterHandler(Value caught);
     void enterTry(const Value* top, const void* target);
     void leaveTry() noexcept {
         if (--handlers_.back().times == 0) handlers_.pop_back();
     }
     void coverTopFrame() noexcept;
 
-    // Both run the top frame until a frame of the other kind is on top, or `baseDepth` is reached.
+    // Both run the top frame until a frame of the other kind is on top, or `baseDepth_` is reached.
     // Called without a machine, `runRegisterCode` yields the addresses of its arms.
     static const void* const* runRegisterCode(VM* vm);
-    void runStackCode(std::size_t baseDepth);
+    void runStackCode();
 
     // Calls what lies `argCount` below the top of the stack: pushes a frame, or runs a native.
     void callValue(std::size_t argCount, Position at);
+    bool enterClosure(Value* callee, std::size_t argCount) noexcept;
     void pushFrame(VMClosure& closure, std::size_t argCount, Position at);
     void callNativeOnTop(const NativeObj& native, std::size_t argCount, Position at);
     bool needsExactCallee(const Value* calleeSlot) const noexcept;
@@ -91,15 +99,20 @@ private:
     void popFrame() noexcept;
     void dropHandlersAbove(std::size_t count) noexcept;
 
-    // Register code: a call that is not simply that of a closure with register code. True when the
-    // top frame has changed.
+    // Register code: what its arms leave to others. False where the top frame, or the place in it,
+    // has changed: by a call, or because a handler has been entered.
     bool callSlowly(Value* callee, std::size_t argCount);
-    void binarySlowly(ArithmeticOp op, Value& to, Value& left, Value& right, std::uint32_t ends);
-    bool compareSlowly(Comparison comparison, Value& left, Value& right, std::uint32_t ends);
+    bool binarySlowly(ArithmeticOp op, Value& to, Value& left, Value& right, std::uint32_t ends);
+    bool indexSlowly(Value& to, Value& object, Value& index, std::uint32_t ends);
+    bool field(Instruction& at, Value& to, Value& object);
+
+    // Whether the comparison holds, or Failed where a handler has been entered.
+    enum class Outcome : std::uint8_t { No, Yes, Failed };
+    Outcome compareSlowly(Comparison comparison, Value& left, Value& right, std::uint32_t ends);
+
+    // Those that do not end in a handler, or throw to reach one.
     bool equalSlowly(Value& left, Value& right, std::uint32_t ends);
-    void indexSlowly(Value& to, Value& object, Value& index, std::uint32_t ends);
     void setIndexSlowly(Value& object, Value& index, Value& value, std::uint32_t ends);
-    void field(Instruction& at, Value& to, Value& object);
     void setField(Instruction& at, Value& object, Value& value);
     void negateSlowly(Value& to, Value& operand, std::uint32_t ends);
     void buildList(Value& to, Value* first, std::size_t count);
@@ -134,16 +147,16 @@ private:
 
     ValueStack stack_;
     std::unique_ptr<Frame[]>
-        frames_;        // the first is nobody's, so that even the script has a caller
-    Frame* frame_;      // the top one
-    Frame* lastFrame_;  // the last that there is room for
+        frames_;                 // the first is nobody's, so that even the script has a caller
+    Frame* frame_;               // the top one
+    Frame* lastFrame_;           // the last that there is room for
+    std::size_t baseDepth_ = 0;  // of the innermost run: that of the script, or of a callback
+    const Instruction* exit_;    // what a frame returns to that does not return to register code
     std::vector<Ref<Upvalue>> openUpvalues_;  // by ascending slot
     std::vector<Handler> handlers_;           // innermost last
     Globals globals_;
     Code preferred_;
     std::unordered_map<const FunctionProto*, std::unique_ptr<RegisterCode>> codes_;
-    // Vectors that native calls have given back, as many as there is room for.
-    std::vector<std::vector<Value>> argumentPool_;
 };
 
 }  // namespace pellum

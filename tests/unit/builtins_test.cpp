@@ -102,11 +102,10 @@ TEST(NativeCall, ReportsExhaustionInTheNameOfTheNative) {
         }
         return std::string("nothing");
     };
-    EXPECT_EQ(messageOf([](Caller&, std::vector<Value>&) -> Value { throw std::bad_alloc(); }),
+    EXPECT_EQ(messageOf([](Caller&, Arguments) -> Value { throw std::bad_alloc(); }),
               "greedy: out of memory at 0");
-    EXPECT_EQ(
-        messageOf([](Caller&, std::vector<Value>&) -> Value { throw std::length_error("x"); }),
-        "greedy: result too large at 0");
+    EXPECT_EQ(messageOf([](Caller&, Arguments) -> Value { throw std::length_error("x"); }),
+              "greedy: result too large at 0");
 }
 
 TEST(NativeCall, RefusesWhatWouldBeTooLargeAtOnce) {

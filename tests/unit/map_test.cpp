@@ -338,20 +338,22 @@ TEST(Map, NaNKeysStayWhereEntriesAreRemoved) {
     EXPECT_EQ(values, "nan -nan nan(7061676500000) nan(0x70616765) ");
 }
 
-TEST(Map, APositionIsGoodForItsKeyAlone) {
+TEST(Map, APlaceIsGoodForItsKeyAlone) {
+    constexpr std::uint32_t entrySize = sizeof(MapData::Entry);
     const auto map = filledMap(20);
     const Value key("other 15");
-    const Object* const sameKey = map->entries()[15].key.object();
-    const std::size_t position = map->positionOf(map->find(key));
-    ASSERT_EQ(position, 15u);
-    EXPECT_EQ(map->valueAt(position, sameKey), map->find(key));
+    const StringObj* const sameKey = &map->entries()[15].key.asString();
+    const std::uint32_t place = map->placeOf(map->find(key));
+    ASSERT_EQ(place, 15 * entrySize);
+    EXPECT_EQ(map->valueAt(place, sameKey), map->find(key));
+    EXPECT_EQ(map->valueAt(20 * entrySize, sameKey), nullptr);
     for (int i = 0; i < 5; ++i) map->remove(Value("other " + std::to_string(i)));
-    EXPECT_EQ(map->valueAt(position, sameKey), map->find(key));
+    EXPECT_EQ(map->valueAt(place, sameKey), map->find(key));
     EXPECT_EQ(map->entries()[10].value.asInt(), 15);  // closes the gaps
-    EXPECT_EQ(map->valueAt(position, sameKey), nullptr);
-    EXPECT_EQ(map->positionOf(map->find(key)), 10u);
+    EXPECT_EQ(map->valueAt(place, sameKey), nullptr);
+    EXPECT_EQ(map->placeOf(map->find(key)), 10 * entrySize);
     map->remove(key);
-    EXPECT_EQ(map->valueAt(10, sameKey), nullptr);
+    EXPECT_EQ(map->valueAt(10 * entrySize, sameKey), nullptr);
 }
 
 TEST(Map, AHundredThousandEntriesAreFoundInOrder) {

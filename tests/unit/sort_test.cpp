@@ -19,7 +19,7 @@ std::int64_t keyOf(const Value& value) { return value.asList().items[0].asInt();
 std::int64_t markOf(const Value& value) { return value.asList().items[1].asInt(); }
 
 const Value anyFunction = Value(Ref<CallableObj>(makeRef<NativeObj>(
-    "stands for any", [](Caller&, std::vector<Value>&) { return Value(); }, 0, 0)));
+    "stands for any", [](Caller&, Arguments) { return Value(); }, 0, 0)));
 
 // The elements of the sorted list, each as an integer.
 std::vector<std::int64_t> sortedBy(FakeCaller& caller, std::vector<Value> elements) {
