@@ -54,32 +54,39 @@ Outcome playInside(const CommandCase& commandCase, const fs::path& folder) {
     return playInProcess(commandCase.arguments, commandCase.input, commandCase.outputTo);
 }
 
-void expectMatch(const fs::path& path, std::string_view what, const ExpectedText& wanted,
+// A case and where it stands.
+struct Placed {
+    fs::path file;
+    std::size_t line;
+    std::string text;
+};
+
+void expectMatch(const Placed& placed, std::string_view what, const ExpectedText& wanted,
                  const std::string& given) {
     if (wanted.matches(given)) return;
-    ADD_FAILURE_AT(path.c_str(), 1)
+    ADD_FAILURE_AT(placed.file.c_str(), static_cast<int>(placed.line))
         << firstDifference(what, wanted.text, given).value_or(std::string(what)) << "\nall of it:\n"
         << given;
 }
 
 enum class Place { Inside, Outside };
 
-void play(const fs::path& path, Place place) {
-    const CommandCase commandCase = parseCommandCase(readFile(path));
+void play(const Placed& placed, Place place) {
+    const CommandCase commandCase = parseCommandCase(placed.text);
     if (const char* reason = commandCase.surroundings.whyImpossible()) GTEST_SKIP() << reason;
     const TemporaryFolder folder;
     layOut(commandCase, folder.path());
     const Outcome given = place == Place::Inside ? playInside(commandCase, folder.path())
                                                  : playFromOutside(commandCase, folder.path());
-    expectMatch(path, "standard output", commandCase.output, given.output);
-    expectMatch(path, "standard error", commandCase.errors, given.errors);
+    expectMatch(placed, "standard output", commandCase.output, given.output);
+    expectMatch(placed, "standard error", commandCase.errors, given.errors);
     EXPECT_EQ(given.status, commandCase.status);
 }
 
 // Whether the case is about what only a process of its own can meet.
-bool needsProcess(const fs::path& path) {
+bool needsProcess(const std::string& text) {
     try {
-        const CommandCase commandCase = parseCommandCase(readFile(path));
+        const CommandCase commandCase = parseCommandCase(text);
         const auto& words = commandCase.arguments;
         const bool isSource = std::find(words.begin(), words.end(), "/dev/stdin") != words.end();
         return commandCase.outputTo == OutputTo::ClosedPipe || isSource ||
@@ -91,12 +98,18 @@ bool needsProcess(const fs::path& path) {
 
 }  // namespace
 
+void addCommandTests(const std::string& suite, const fs::path& file, std::size_t line,
+                     const std::string& text) {
+    const Placed placed{file, line, text};
+    addTest(suite, "outside", file, [=] { play(placed, Place::Outside); });
+    if (needsProcess(text)) return;
+    addTest(suite, "inside", file, [=] { play(placed, Place::Inside); });
+}
+
 void registerCommandLineCases() {
     if (!mayRun("cli/")) return;
     for (const fs::path& path : filesUnder("tests/cli", ".case")) {
-        addTest(suiteName(path), "outside", path, [=] { play(path, Place::Outside); });
-        if (needsProcess(path)) continue;
-        addTest(suiteName(path), "inside", path, [=] { play(path, Place::Inside); });
+        addCommandTests(suiteName(path), path, 1, readFile(path));
     }
 }
 

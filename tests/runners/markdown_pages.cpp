@@ -7,6 +7,11 @@
 #include "support/registration.h"
 #include "support/text.h"
 
+#include "compiler/compiler.h"
+#include "compiler/disassembler.h"
+#include "lexer/lexer.h"
+#include "parser/parser.h"
+
 #include <gtest/gtest.h>
 
 #include <cctype>
@@ -17,26 +22,45 @@ namespace pellum::test {
 
 namespace {
 
+// The program itself, which may have to be printed first.
+std::string sourceOf(const MarkdownProgram& program) {
+    if (!program.isWriter) return program.source;
+    const Outcome written = playInProcess({"-c", program.source}, "");
+    EXPECT_EQ(written.errors, "") << "the program that writes the program fails";
+    return written.output;
+}
+
 void play(const fs::path& page, const MarkdownProgram& program, Engine engine) {
-    const Outcome given = playInProcess(onEngine(engine, {"-c", program.source}), program.input);
+    const Outcome given = playInProcess(onEngine(engine, {"-c", sourceOf(program)}), program.input);
     const auto& wanted = engine == Engine::Tree ? program.treeOutput : program.vmOutput;
     const int line = static_cast<int>(program.line);
+    const std::string all = given.output + given.errors;
     if (!wanted) {
         if (given.errors.empty() && given.status == 0) return;
         ADD_FAILURE_AT(page.c_str(), line) << "the program fails:\n" << given.errors;
-    } else if (const auto difference = firstDifference("what the program prints", *wanted,
-                                                       given.output + given.errors)) {
-        ADD_FAILURE_AT(page.c_str(), line) << *difference << "\nall of it:\n"
-                                           << given.output << given.errors;
+    } else if (!wanted->matches(all)) {
+        ADD_FAILURE_AT(page.c_str(), line)
+            << firstDifference("what the program prints", wanted->text, all).value_or("")
+            << "\nall of it:\n"
+            << all.substr(0, 5000);
     } else if (given.status != (given.errors.empty() ? 0 : 1)) {
         ADD_FAILURE_AT(page.c_str(), line) << "exit status " << given.status;
     }
 }
 
-// The heading and number of the program as a name: "loop_variables_2".
-std::string nameOf(const MarkdownProgram& program) {
+void compareListing(const fs::path& page, const MarkdownProgram& program) {
+    const std::string given = disassemble(*compile(parse(tokenize(program.source))));
+    if (const auto difference = firstDifference("the listing", *program.listing, given)) {
+        ADD_FAILURE_AT(page.c_str(), static_cast<int>(program.line))
+            << *difference << "\nall of it:\n"
+            << given;
+    }
+}
+
+// The heading and number of a program or command as a name: "loop_variables_2".
+std::string nameOf(std::string_view heading, std::size_t number) {
     std::string name;
-    for (const char c : program.heading) {
+    for (const char c : heading) {
         if (std::isalnum(static_cast<unsigned char>(c))) {
             name += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
         } else if (!name.empty() && name.back() != '_') {
@@ -44,22 +68,33 @@ std::string nameOf(const MarkdownProgram& program) {
         }
     }
     if (!name.empty() && name.back() != '_') name += '_';
-    return name + std::to_string(program.number);
+    return name + std::to_string(number);
+}
+
+void registerProgram(const fs::path& page, const MarkdownProgram& program) {
+    const std::string suite = suiteName(page) + "/" + nameOf(program.heading, program.number);
+    for (const Engine engine : bothEngines) {
+        addTest(suite, engineName(engine), page, [=] { play(page, program, engine); });
+    }
+    if (program.listing) {
+        addTest(suite, "listing", page, [=] { compareListing(page, program); });
+    }
 }
 
 void registerPage(const fs::path& page) {
-    std::vector<MarkdownProgram> programs;
+    std::vector<MarkdownSection> sections;
     try {
-        programs = programsOf(readFile(page));
+        sections = sectionsOf(readFile(page));
     } catch (const std::exception& error) {
         addTest(suiteName(page), "is_well_formed", page,
                 [message = std::string(error.what())] { FAIL() << message; });
         return;
     }
-    for (const MarkdownProgram& program : programs) {
-        for (const Engine engine : bothEngines) {
-            addTest(suiteName(page) + "/" + nameOf(program), engineName(engine), page,
-                    [=] { play(page, program, engine); });
+    for (const MarkdownSection& section : sections) {
+        for (const MarkdownProgram& program : section.programs) registerProgram(page, program);
+        for (const MarkdownCommand& command : section.commands) {
+            addCommandTests(suiteName(page) + "/" + nameOf(command.heading, command.number), page,
+                            command.line, command.text);
         }
     }
 }

@@ -54,8 +54,13 @@ std::string expectedTexts() {
         for (const auto& file : filesUnder("tests", extension)) texts += readFile(file) + "\n";
     }
     for (const auto& page : markdownPages()) {
-        for (const MarkdownProgram& program : programsOf(readFile(page))) {
-            texts += program.treeOutput.value_or("") + program.vmOutput.value_or("") + "\n";
+        for (const MarkdownSection& section : sectionsOf(readFile(page))) {
+            for (const MarkdownProgram& program : section.programs) {
+                for (const auto& output : {program.treeOutput, program.vmOutput}) {
+                    if (output) texts += output->text + "\n";
+                }
+            }
+            for (const MarkdownCommand& command : section.commands) texts += command.text + "\n";
         }
     }
     for (const char* folder : {"tests/unit", "tests/allocation"}) {

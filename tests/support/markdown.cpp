@@ -4,6 +4,7 @@
 #include "support/text.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 #include <stdexcept>
 
@@ -13,7 +14,8 @@ namespace {
 
 class PageReader {
 public:
-    std::vector<MarkdownProgram> read(std::string_view page) {
+    std::vector<MarkdownSection> read(std::string_view page) {
+        sections_.emplace_back();
         for (const std::string& line : splitLines(page)) {
             ++line_;
             if (isInBlock_) {
@@ -23,7 +25,7 @@ public:
             }
         }
         if (isInBlock_) fail("a fenced block is never closed");
-        return std::move(programs_);
+        return std::move(sections_);
     }
 
 private:
@@ -36,8 +38,11 @@ private:
             info_ = trim(line.substr(indent + 3));
             block_.clear();
         } else if (line.starts_with('#')) {
-            heading_ = trim(line.substr(std::min(line.find_first_not_of('#'), line.size())));
+            const std::size_t level = std::min(line.find_first_not_of('#'), line.size());
+            sections_.push_back({level, std::string(trim(line.substr(level))), line_, {}, {}, {}});
             hasProgram_ = false;
+        } else {
+            section().prose += std::string(line) + "\n";
         }
     }
 
@@ -53,42 +58,60 @@ private:
     }
 
     void closeBlock() {
-        if (info_ == "pellum") {
-            programs_.push_back({heading_, ++counts_[heading_], firstLine_, block_, "", {}, {}});
-            hasProgram_ = true;
-        } else if (info_.starts_with("pellum")) {
-            if (info_ != "pellum fragment") fail("unknown kind of program: " + info_);
+        if (info_.starts_with("pellum")) {
+            addProgram();
+        } else if (info_ == "command") {
+            section().commands.push_back({section().heading, nextNumber(), firstLine_, block_});
             hasProgram_ = false;
         } else if (info_ == "input") {
             program().input = block_;
-        } else if (info_ == "output") {
-            expectOutput(program().treeOutput);
-            expectOutput(program().vmOutput);
-        } else if (info_ == "tree") {
-            expectOutput(program().treeOutput);
-        } else if (info_ == "vm") {
-            expectOutput(program().vmOutput);
+        } else if (info_ == "listing") {
+            program().listing = block_;
+        } else {
+            constexpr std::string_view modifier = " (beginning)";
+            const bool isWhole = !info_.ends_with(modifier);
+            if (!isWhole) info_.resize(info_.size() - modifier.size());
+            if (info_ == "output" || info_ == "tree") expect(program().treeOutput, isWhole);
+            if (info_ == "output" || info_ == "vm") expect(program().vmOutput, isWhole);
         }
     }
 
-    MarkdownProgram& program() {
-        if (!hasProgram_) fail("the block \"" + info_ + "\" belongs to no program");
-        return programs_.back();
+    void addProgram() {
+        hasProgram_ = info_ != "pellum fragment";
+        if (!hasProgram_) return;
+        const bool isWriter = info_ == "pellum writer";
+        if (!isWriter && info_ != "pellum") fail("unknown kind of program: " + info_);
+        MarkdownProgram& added = section().programs.emplace_back();
+        added.heading = section().heading;
+        added.number = nextNumber();
+        added.line = firstLine_;
+        added.source = block_;
+        added.isWriter = isWriter;
     }
 
-    void expectOutput(std::optional<std::string>& output) {
+    MarkdownSection& section() { return sections_.back(); }
+
+    // Programs and commands under one heading are counted together, also where a page has the
+    // heading twice.
+    std::size_t nextNumber() { return ++counts_[section().heading]; }
+
+    MarkdownProgram& program() {
+        if (!hasProgram_) fail("the block \"" + info_ + "\" belongs to no program");
+        return section().programs.back();
+    }
+
+    void expect(std::optional<MarkdownOutput>& output, bool isWhole) {
         if (output) fail("the output of this program has been shown before");
-        output = block_;
+        output = MarkdownOutput{block_, isWhole};
     }
 
     [[noreturn]] void fail(const std::string& message) const {
         throw std::runtime_error("line " + std::to_string(line_) + ": " + message);
     }
 
-    std::vector<MarkdownProgram> programs_;
-    bool hasProgram_ = false;
-    std::string heading_;
-    std::map<std::string, std::size_t> counts_;  // programs under each heading
+    std::vector<MarkdownSection> sections_;
+    bool hasProgram_ = false;  // the last program may still get its output
+    std::map<std::string, std::size_t> counts_;
     std::size_t line_ = 0;
     bool isInBlock_ = false;
     std::size_t indent_ = 0;
@@ -107,6 +130,14 @@ std::vector<std::filesystem::path> markdownPages() {
     return pages;
 }
 
-std::vector<MarkdownProgram> programsOf(std::string_view page) { return PageReader().read(page); }
+std::vector<MarkdownSection> sectionsOf(std::string_view page) { return PageReader().read(page); }
+
+std::vector<MarkdownProgram> programsOf(std::string_view page) {
+    std::vector<MarkdownProgram> programs;
+    for (MarkdownSection& section : sectionsOf(page)) {
+        std::move(section.programs.begin(), section.programs.end(), std::back_inserter(programs));
+    }
+    return programs;
+}
 
 }  // namespace pellum::test

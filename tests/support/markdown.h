@@ -5,9 +5,13 @@
 //   ```output   what it prints on both engines, or the pair
 //   ```tree     what it prints on the tree-walker, and
 //   ```vm       what it prints on the virtual machine
+//   ```listing  its bytecode, as the disassembler shows it
 //
-// Prose may stand between them. Without such a block the program only has to run without an error;
-// "```pellum fragment" marks a piece of code that does not stand for itself and is not run.
+// Prose may stand between them. Without such a block the program only has to run without an error.
+// "(beginning)" behind "output", "tree" or "vm" means that more may follow. The program that
+// "```pellum writer" prints is the one that is meant; "```pellum fragment" marks a piece of code
+// that does not stand for itself and is not run. A block marked ```command is a use of the command
+// line, in the form that command_case.h describes.
 #pragma once
 
 #include <filesystem>
@@ -18,20 +22,49 @@
 
 namespace pellum::test {
 
+struct MarkdownOutput {
+    std::string text;  // standard output, then standard error
+    bool isWhole = true;
+
+    bool matches(std::string_view given) const {
+        return isWhole ? given == text : given.starts_with(text);
+    }
+};
+
 struct MarkdownProgram {
     std::string heading;     // the nearest one above
     std::size_t number = 0;  // among the page's programs under this heading, from 1
     std::size_t line = 0;    // of its first line of code
     std::string source;
+    bool isWriter = false;  // what it prints is the program
     std::string input;
-    std::optional<std::string> treeOutput, vmOutput;  // standard output, then standard error
+    std::optional<MarkdownOutput> treeOutput, vmOutput;
+    std::optional<std::string> listing;
+};
+
+struct MarkdownCommand {
+    std::string heading;
+    std::size_t number = 0;
+    std::size_t line = 0;
+    std::string text;
+};
+
+// A heading and what stands below it, up to the next one.
+struct MarkdownSection {
+    std::size_t level = 0;  // of the heading; 0 for what stands above the first
+    std::string heading;
+    std::size_t line = 0;
+    std::string prose;  // everything outside of fenced blocks
+    std::vector<MarkdownProgram> programs;
+    std::vector<MarkdownCommand> commands;
 };
 
 // The pages whose programs are tests.
 std::vector<std::filesystem::path> markdownPages();
 
-// Throws std::runtime_error for a fence that is never closed and for output that belongs to no
+// Both throw std::runtime_error for a fence that is never closed and for output that belongs to no
 // program.
+std::vector<MarkdownSection> sectionsOf(std::string_view page);
 std::vector<MarkdownProgram> programsOf(std::string_view page);
 
 }  // namespace pellum::test

@@ -104,15 +104,47 @@ TEST(Markdown, FindsProgramsAndWhatTheyPrint) {
     EXPECT_EQ(programs[0].number, 1U);
     EXPECT_EQ(programs[0].line, 3U);
     EXPECT_EQ(programs[0].source, "# not a heading\nprint(1)\n");
-    EXPECT_EQ(programs[0].treeOutput, "1\n");
-    EXPECT_EQ(programs[0].vmOutput, "1\n");
+    EXPECT_EQ(programs[0].treeOutput->text, "1\n");
+    EXPECT_EQ(programs[0].vmOutput->text, "1\n");
     EXPECT_EQ(programs[1].source, "f()\n  g()\n");
-    EXPECT_EQ(programs[1].treeOutput, std::nullopt);
+    EXPECT_FALSE(programs[1].treeOutput);
     EXPECT_EQ(programs[2].heading, "Two");
     EXPECT_EQ(programs[2].input, "in\n");
-    EXPECT_EQ(programs[2].treeOutput, "a\n");
-    EXPECT_EQ(programs[2].vmOutput, "b\n");
+    EXPECT_EQ(programs[2].treeOutput->text, "a\n");
+    EXPECT_EQ(programs[2].vmOutput->text, "b\n");
     EXPECT_EQ(programs[3].number, 3U);
+}
+
+TEST(Markdown, FindsSectionsAndWhatIsMarkedInThem) {
+    const std::vector<MarkdownSection> sections = sectionsOf(
+        "above\n"
+        "# One\n"
+        "prose\n"
+        "```pellum writer\nprint(1)\n```\n"
+        "```output (beginning)\nfirst\n```\n"
+        "more\n"
+        "## Two\n"
+        "```pellum\nx\n```\n"
+        "```listing\nbytes\n```\n"
+        "```command\n$ pellum\n```\n");
+    ASSERT_EQ(sections.size(), 3U);
+    EXPECT_EQ(sections[0].level, 0U);
+    EXPECT_EQ(sections[0].prose, "above\n");
+    EXPECT_EQ(sections[1].level, 1U);
+    EXPECT_EQ(sections[1].heading, "One");
+    EXPECT_EQ(sections[1].line, 2U);
+    EXPECT_EQ(sections[1].prose, "prose\nmore\n");
+    ASSERT_EQ(sections[1].programs.size(), 1U);
+    const MarkdownProgram& writer = sections[1].programs[0];
+    EXPECT_TRUE(writer.isWriter);
+    EXPECT_TRUE(writer.vmOutput->matches("first\nsecond\n"));
+    EXPECT_FALSE(writer.vmOutput->matches("firs"));
+    ASSERT_EQ(sections[2].programs.size(), 1U);
+    EXPECT_FALSE(sections[2].programs[0].isWriter);
+    EXPECT_EQ(sections[2].programs[0].listing, "bytes\n");
+    ASSERT_EQ(sections[2].commands.size(), 1U);
+    EXPECT_EQ(sections[2].commands[0].text, "$ pellum\n");
+    EXPECT_EQ(sections[2].commands[0].number, 2U);
 }
 
 TEST(Markdown, MistakesAreNamed) {
@@ -121,6 +153,9 @@ TEST(Markdown, MistakesAreNamed) {
     EXPECT_THROW(programsOf("```pellum fragment\n```\n```output\n```\n"), std::runtime_error);
     EXPECT_THROW(programsOf("```pellum\n```\n# New\n```output\n```\n"), std::runtime_error);
     EXPECT_THROW(programsOf("```pellum\n```\n```output\n```\n```vm\n```\n"), std::runtime_error);
+    EXPECT_THROW(programsOf("```pellum writers\n```\n"), std::runtime_error);
+    EXPECT_THROW(programsOf("```listing\n```\n"), std::runtime_error);
+    EXPECT_THROW(programsOf("```command\n```\n```output\n```\n"), std::runtime_error);
 }
 
 TEST(CppSource, StringLiterals) {
