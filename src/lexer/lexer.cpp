@@ -14,6 +14,9 @@ namespace {
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 // What a byte can be part of.
+//
+// digit   ::=  ? "0" to "9" ?
+// letter  ::=  ? "A" to "Z" or "a" to "z" ?
 enum ByteClass : std::uint8_t { digitByte = 1, nameByte = 2, blankByte = 4 };
 
 constexpr auto byteClasses = [] {
@@ -80,6 +83,8 @@ public:
     }
 
 private:
+    // blank  ::=  ? space, tab or carriage return ? | comment
+    // Blanks may stand between any two tokens, and make none.
     void scan() {
         const char byte = peek();
         if (byte == '\n') {
@@ -99,20 +104,24 @@ private:
         }
     }
 
-    // A line's end repeats the position of the token before it, so it begins none of its own.
+    // line-end  ::=  ? newline ?
+    // It repeats the position of the token before it, so it begins none of its own.
     void endOfLine() {
         add(TokenKind::EndOfLine, "\\n");
         passLineEnd();
     }
 
+    // comment  ::=  "#" { ? any byte but a newline ? }
     void comment() { offset_ = std::min(source_.find('\n', offset_), source_.size()); }
 
+    // name  ::=  ( letter | "_" ) { letter | "_" | digit }
     void name() {
         beginToken();
         while (continuesName(peek())) ++offset_;
         add(nameKind(tokenText()), tokenText());
     }
 
+    // number  ::=  ( digits [ "." digits ] | "." digits ) [ ( "e" | "E" ) [ "+" | "-" ] digits ]
     void number() {
         beginToken();
         bool isInteger = true;
@@ -134,6 +143,7 @@ private:
         token.isInteger = isInteger;
     }
 
+    // digits  ::=  digit { digit }
     void digits() noexcept {
         while (isDigit(peek())) ++offset_;
     }
@@ -146,6 +156,7 @@ private:
         return parsed.value;
     }
 
+    // string  ::=  '"' { plain | escape } '"' | "'" { plain | escape } "'"
     // Most strings are nothing but their bytes; the others get contents of their own.
     void string() {
         beginToken();
@@ -160,7 +171,9 @@ private:
         richString(quote, start);
     }
 
-    // Goes on, from the first byte that is more than itself, with the string that began at `start`.
+    // interpolated-string  ::=  '"' { plain | escape } embedded { plain | escape | embedded } '"'
+    // Goes on, from the first byte that is more than itself, with a string of either kind that
+    // began at `start`.
     void richString(char quote, std::size_t start) {
         const auto contents = makeRef<StringContents>();
         std::string text(source_.substr(start, offset_ - start));
@@ -193,6 +206,7 @@ private:
         token.contents = contents;
     }
 
+    // plain  ::=  ? any byte but a newline, "\", the quote around it and, between '"', a "${" ?
     // Up to the quote, or whatever else needs a closer look.
     void passPlainText(char quote) noexcept {
         while (!atEnd()) {
@@ -206,7 +220,8 @@ private:
         return quote == '"' && peek() == '$' && peek(1) == '{';
     }
 
-    // The byte that an escape such as "\n" stands for.
+    // escape  ::=  "\" ( "n" | "t" | "r" | "0" | "\" | '"' | "'" | "$" )
+    // The byte that it stands for.
     char escape() {
         ++offset_;
         if (atEnd()) failAtToken("unterminated string literal");
@@ -232,6 +247,7 @@ private:
         throw LexError(std::string("unknown escape sequence '\\") + byte + "'", line_, column());
     }
 
+    // embedded  ::=  "${" interpolation "}"
     // The source between "${" and the "}" that matches it.
     std::string_view embeddedExpression() {
         offset_ += 2;

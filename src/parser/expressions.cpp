@@ -12,6 +12,9 @@ namespace {
 enum class Side { Left, Right };
 
 // How tightly a binary operator binds, and on which side a chain of its level nests.
+//
+// binary-operator  ::=  "or" | "and" | "==" | "!=" | "<" | "<=" | ">" | ">="
+//                    |  "+" | "-" | "*" | "/" | "//" | "%" | "^"
 struct Binding {
     TokenKind kind;
     int level;
@@ -67,10 +70,10 @@ ExprPtr makeName(const Token& token, std::string_view text) {
 
 }  // namespace
 
-// expression  ::=  binary(0)
+// expression  ::=  unary { binary-operator unary }
 ExprPtr Parser::expression() { return binary(0); }
 
-// binary(min)  ::=  unary { operator of a level >= min  binary(its level, or one more) }
+// The same, up to the first operator below `minLevel`: the levels say how a chain nests.
 ExprPtr Parser::binary(int minLevel) {
     ExprPtr left = unary();
     for (;;) {
@@ -214,7 +217,7 @@ ExprPtr Parser::grouping() {
     return inner;
 }
 
-// items  ::=  { line-end } [ item { "," { line-end } item } [ "," ] ] { line-end }
+// items(item)  ::=  { line-end } [ item { "," { line-end } item } [ "," ] ] { line-end }
 // A line end is allowed nowhere else; `close` is looked for, and left to the caller.
 template <typename ParseItem>
 void Parser::items(TokenKind close, ParseItem parseItem) {
@@ -227,7 +230,7 @@ void Parser::items(TokenKind close, ParseItem parseItem) {
     skipLineEnds();
 }
 
-// list  ::=  "[" items of expression "]"
+// list  ::=  "[" items(expression) "]"
 ExprPtr Parser::listLiteral() {
     auto list = makeNode<ListLitExpr>(advance());
     items(TokenKind::RightBracket, [&] { list->elements.push_back(expression()); });
@@ -235,7 +238,7 @@ ExprPtr Parser::listLiteral() {
     return list;
 }
 
-// map  ::=  "{" items of ( map-key ":" expression ) "}"
+// map  ::=  "{" items(map-key ":" expression) "}"
 ExprPtr Parser::mapLiteral() {
     auto map = makeNode<MapLitExpr>(advance());
     items(TokenKind::RightBrace, [&] {
@@ -247,7 +250,7 @@ ExprPtr Parser::mapLiteral() {
     return map;
 }
 
-// map-key  ::=  name | "[" expression "]" | primary
+// map-key  ::=  name | "[" expression "]" | primary - list
 ExprPtr Parser::mapKey() {
     if (at(TokenKind::Name)) {
         const Token& token = advance();

@@ -21,6 +21,7 @@ bool endsStatement(TokenKind kind) noexcept {
     return kind == TokenKind::EndOfLine || endsBlock(kind);
 }
 
+// assignment-operator  ::=  "=" | "+=" | "-=" | "*=" | "/=" | "//=" | "%=" | "^="
 bool isAssignment(TokenKind kind) noexcept {
     return kind == TokenKind::Assign ||
            (kind >= TokenKind::PlusAssign && kind <= TokenKind::CaretAssign);
@@ -37,8 +38,8 @@ bool isAssignable(const Expr& expr) noexcept {
 
 }  // namespace
 
-// block  ::=  { line-end } { statement { line-end } }
-// A line end must separate two statements. Who called checks which token ends the block.
+// block  ::=  { line-end } [ statement { line-end { line-end } statement } ] { line-end }
+// Who called checks which token ends the block.
 Block Parser::block() {
     Block statements;
     for (skipLineEnds(); !endsBlock(current().kind); skipLineEnds()) {
@@ -52,6 +53,8 @@ Block Parser::block() {
 
 // statement  ::=  let | function | return | if | while | for | break | continue | try
 //              |  expression-statement
+// break  ::=  "break"
+// continue  ::=  "continue"
 StmtPtr Parser::statement() {
     checkNesting();
     switch (current().kind) {
@@ -184,6 +187,7 @@ StmtPtr Parser::tryStatement() {
 }
 
 // expression-statement  ::=  expression [ assignment-operator expression ]
+// The expression before the operator must be a name, an element or a field.
 StmtPtr Parser::expressionStatement() {
     ExprPtr expr = expression();
     if (!isAssignment(current().kind)) {
