@@ -6,6 +6,7 @@
 #include "support/playing.h"
 #include "support/registration.h"
 #include "support/text.h"
+#include "unit/tree_text.h"
 
 #include "compiler/compiler.h"
 #include "compiler/disassembler.h"
@@ -48,13 +49,44 @@ void play(const fs::path& page, const MarkdownProgram& program, Engine engine) {
     }
 }
 
-void compareListing(const fs::path& page, const MarkdownProgram& program) {
-    const std::string given = disassemble(*compile(parse(tokenize(program.source))));
-    if (const auto difference = firstDifference("the listing", *program.listing, given)) {
-        ADD_FAILURE_AT(page.c_str(), static_cast<int>(program.line))
-            << *difference << "\nall of it:\n"
-            << given;
+// What "pellum --tokens" says about the source.
+std::string tokensOf(const std::string& source) {
+    const TemporaryFolder folder;
+    const fs::path file = folder.path() / "source";
+    writeFile(file, source);
+    const Outcome given = playInProcess({"--tokens", file.string()}, "");
+    return given.output + given.errors;
+}
+
+std::string syntaxOf(const std::string& source) { return treeText(parse(tokenize(source))); }
+
+std::string listingOf(const std::string& source) {
+    return disassemble(*compile(parse(tokenize(source))));
+}
+
+// The page breaks a tree wherever that reads well.
+std::string inOneLine(const std::string& text) {
+    std::string joined;
+    for (const std::string& line : splitLines(text)) {
+        const std::string_view words = trim(line);
+        if (!joined.empty() && joined.back() != '{' && !words.starts_with('}')) joined += ' ';
+        joined += words;
     }
+    return joined;
+}
+
+// Registers a test that what `look` sees in the source is what the page shows.
+void addView(const std::string& suite, const std::string& name, const fs::path& page,
+             const MarkdownProgram& program, const std::string& shown,
+             std::string (*look)(const std::string&)) {
+    addTest(suite, name, page, [=] {
+        const std::string given = look(program.source);
+        if (const auto difference = firstDifference("the " + name, shown, given)) {
+            ADD_FAILURE_AT(page.c_str(), static_cast<int>(program.line))
+                << *difference << "\nall of it:\n"
+                << given;
+        }
+    });
 }
 
 // The heading and number of a program or command as a name: "loop_variables_2".
@@ -76,9 +108,11 @@ void registerProgram(const fs::path& page, const MarkdownProgram& program) {
     for (const Engine engine : bothEngines) {
         addTest(suite, engineName(engine), page, [=] { play(page, program, engine); });
     }
-    if (program.listing) {
-        addTest(suite, "listing", page, [=] { compareListing(page, program); });
+    if (program.tokens) addView(suite, "tokens", page, program, *program.tokens, tokensOf);
+    if (program.syntax) {
+        addView(suite, "syntax", page, program, inOneLine(*program.syntax), syntaxOf);
     }
+    if (program.listing) addView(suite, "listing", page, program, *program.listing, listingOf);
 }
 
 void registerPage(const fs::path& page) {
@@ -95,6 +129,10 @@ void registerPage(const fs::path& page) {
         for (const MarkdownCommand& command : section.commands) {
             addCommandTests(suiteName(page) + "/" + nameOf(command.heading, command.number), page,
                             command.line, command.text);
+        }
+        for (const MarkdownCommand& session : section.transcripts) {
+            addTranscriptTests(suiteName(page) + "/" + nameOf(session.heading, session.number),
+                               page, session.line, session.text);
         }
     }
 }

@@ -18,5 +18,8 @@ void registerMarkdownPages();     // README.md, docs/*.md
 // Registers a use of the command line, in the form of tests/cli, which stands in `file` at `line`.
 void addCommandTests(const std::string& suite, const std::filesystem::path& file, std::size_t line,
                      const std::string& text);
+// The same for a session at the prompt, in the form of tests/repl.
+void addTranscriptTests(const std::string& suite, const std::filesystem::path& file,
+                        std::size_t line, const std::string& text);
 
 }  // namespace pellum::test

@@ -16,35 +16,50 @@ namespace pellum::test {
 
 namespace {
 
-void expectSame(const fs::path& path, std::string_view what, std::string_view wanted,
+// A transcript and where it stands.
+struct Placed {
+    fs::path file;
+    std::size_t line;
+    std::string text;
+};
+
+void expectSame(const Placed& placed, std::string_view what, std::string_view wanted,
                 std::string_view given) {
     if (const auto difference = firstDifference(what, wanted, given)) {
-        ADD_FAILURE_AT(path.c_str(), 1) << *difference << "\nall of it:\n" << given;
+        ADD_FAILURE_AT(placed.file.c_str(), static_cast<int>(placed.line))
+            << *difference << "\nall of it:\n"
+            << given;
     }
 }
 
-void playInside(const fs::path& path) {
-    const Transcript transcript = parseTranscript(readFile(path));
+void playInside(const Placed& placed) {
+    const Transcript transcript = parseTranscript(placed.text);
     const Outcome given = playInProcess(transcript.arguments, transcript.input);
-    expectSame(path, "standard output", transcript.output, given.output);
-    expectSame(path, "standard error", transcript.errors, given.errors);
+    expectSame(placed, "standard output", transcript.output, given.output);
+    expectSame(placed, "standard error", transcript.errors, given.errors);
     EXPECT_EQ(given.status, 0);
 }
 
-void playFromOutside(const fs::path& path) {
-    const Transcript transcript = parseTranscript(readFile(path));
+void playFromOutside(const Placed& placed) {
+    const Transcript transcript = parseTranscript(placed.text);
     const Outcome given = playOutside(transcript.arguments, transcript.input, ".", Streams::Merged);
-    expectSame(path, "output and errors together", transcript.merged, given.output);
+    expectSame(placed, "output and errors together", transcript.merged, given.output);
     EXPECT_EQ(given.status, 0);
 }
 
 }  // namespace
 
+void addTranscriptTests(const std::string& suite, const fs::path& file, std::size_t line,
+                        const std::string& text) {
+    const Placed placed{file, line, text};
+    addTest(suite, "inside", file, [=] { playInside(placed); });
+    addTest(suite, "outside", file, [=] { playFromOutside(placed); });
+}
+
 void registerTranscripts() {
     if (!mayRun("repl/")) return;
     for (const fs::path& path : filesUnder("tests/repl", ".transcript")) {
-        addTest(suiteName(path), "inside", path, [=] { playInside(path); });
-        addTest(suiteName(path), "outside", path, [=] { playFromOutside(path); });
+        addTranscriptTests(suiteName(path), path, 1, readFile(path));
     }
 }
 

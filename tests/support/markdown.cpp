@@ -39,7 +39,10 @@ private:
             block_.clear();
         } else if (line.starts_with('#')) {
             const std::size_t level = std::min(line.find_first_not_of('#'), line.size());
-            sections_.push_back({level, std::string(trim(line.substr(level))), line_, {}, {}, {}});
+            MarkdownSection& added = sections_.emplace_back();
+            added.level = level;
+            added.heading = trim(line.substr(level));
+            added.line = line_;
             hasProgram_ = false;
         } else {
             section().prose += std::string(line) + "\n";
@@ -63,8 +66,15 @@ private:
         } else if (info_ == "command") {
             section().commands.push_back({section().heading, nextNumber(), firstLine_, block_});
             hasProgram_ = false;
+        } else if (info_ == "transcript") {
+            section().transcripts.push_back({section().heading, nextNumber(), firstLine_, block_});
+            hasProgram_ = false;
         } else if (info_ == "input") {
             program().input = block_;
+        } else if (info_ == "tokens") {
+            program().tokens = block_;
+        } else if (info_ == "syntax") {
+            program().syntax = block_;
         } else if (info_ == "listing") {
             program().listing = block_;
         } else {
@@ -91,8 +101,8 @@ private:
 
     MarkdownSection& section() { return sections_.back(); }
 
-    // Programs and commands under one heading are counted together, also where a page has the
-    // heading twice.
+    // Programs, commands and transcripts under one heading are counted together, also where a page
+    // has the heading twice.
     std::size_t nextNumber() { return ++counts_[section().heading]; }
 
     MarkdownProgram& program() {

@@ -5,13 +5,16 @@
 //   ```output   what it prints on both engines, or the pair
 //   ```tree     what it prints on the tree-walker, and
 //   ```vm       what it prints on the virtual machine
+//   ```tokens   what "pellum --tokens" says about it
+//   ```syntax   its tree, as tree_text.h writes it, in whatever lines
 //   ```listing  its bytecode, as the disassembler shows it
 //
 // Prose may stand between them. Without such a block the program only has to run without an error.
 // "(beginning)" behind "output", "tree" or "vm" means that more may follow. The program that
 // "```pellum writer" prints is the one that is meant; "```pellum fragment" marks a piece of code
 // that does not stand for itself and is not run. A block marked ```command is a use of the command
-// line, in the form that command_case.h describes.
+// line, in the form that command_case.h describes, and one marked ```transcript a session at the
+// prompt, in that of transcript.h.
 #pragma once
 
 #include <filesystem>
@@ -39,9 +42,10 @@ struct MarkdownProgram {
     bool isWriter = false;  // what it prints is the program
     std::string input;
     std::optional<MarkdownOutput> treeOutput, vmOutput;
-    std::optional<std::string> listing;
+    std::optional<std::string> tokens, syntax, listing;
 };
 
+// A use of the command line, or a session at the prompt.
 struct MarkdownCommand {
     std::string heading;
     std::size_t number = 0;
@@ -56,7 +60,7 @@ struct MarkdownSection {
     std::size_t line = 0;
     std::string prose;  // everything outside of fenced blocks
     std::vector<MarkdownProgram> programs;
-    std::vector<MarkdownCommand> commands;
+    std::vector<MarkdownCommand> commands, transcripts;
 };
 
 // The pages whose programs are tests.

@@ -125,8 +125,11 @@ TEST(Markdown, FindsSectionsAndWhatIsMarkedInThem) {
         "more\n"
         "## Two\n"
         "```pellum\nx\n```\n"
+        "```tokens\nt\n```\n"
+        "```syntax\ns\n```\n"
         "```listing\nbytes\n```\n"
-        "```command\n$ pellum\n```\n");
+        "```command\n$ pellum\n```\n"
+        "```transcript\n>> ^D\n```\n");
     ASSERT_EQ(sections.size(), 3U);
     EXPECT_EQ(sections[0].level, 0U);
     EXPECT_EQ(sections[0].prose, "above\n");
@@ -141,10 +144,15 @@ TEST(Markdown, FindsSectionsAndWhatIsMarkedInThem) {
     EXPECT_FALSE(writer.vmOutput->matches("firs"));
     ASSERT_EQ(sections[2].programs.size(), 1U);
     EXPECT_FALSE(sections[2].programs[0].isWriter);
+    EXPECT_EQ(sections[2].programs[0].tokens, "t\n");
+    EXPECT_EQ(sections[2].programs[0].syntax, "s\n");
     EXPECT_EQ(sections[2].programs[0].listing, "bytes\n");
     ASSERT_EQ(sections[2].commands.size(), 1U);
     EXPECT_EQ(sections[2].commands[0].text, "$ pellum\n");
     EXPECT_EQ(sections[2].commands[0].number, 2U);
+    ASSERT_EQ(sections[2].transcripts.size(), 1U);
+    EXPECT_EQ(sections[2].transcripts[0].text, ">> ^D\n");
+    EXPECT_EQ(sections[2].transcripts[0].number, 3U);
 }
 
 TEST(Markdown, MistakesAreNamed) {
