@@ -35,11 +35,14 @@ Value mapBytes(const Value& value, char (*change)(char) noexcept) {
 // Calls `visit` with each word: whatever stands between runs of white space.
 template <typename Visit>
 void forEachWord(std::string_view text, Visit visit) {
-    std::size_t start = text.find_first_not_of(whiteSpace);
-    while (start != text.npos) {
-        const std::size_t end = std::min(text.find_first_of(whiteSpace, start), text.size());
-        visit(text.substr(start, end - start));
-        start = text.find_first_not_of(whiteSpace, end);
+    const auto isSpace = [](char byte) { return byte == ' ' || (byte >= '\t' && byte <= '\r'); };
+    const char* const end = text.data() + text.size();
+    for (const char* at = text.data();;) {
+        at = std::find_if_not(at, end, isSpace);
+        if (at == end) return;
+        const char* const start = at;
+        at = std::find_if(at, end, isSpace);
+        visit(std::string_view(start, static_cast<std::size_t>(at - start)));
     }
 }
 

@@ -66,7 +66,7 @@ void concatenateLists(Value& left, const Value& right) {
 }
 
 template <typename T>
-bool holds(Comparison comparison, const T& a, const T& b) noexcept {
+bool isOrdered(Comparison comparison, T a, T b) noexcept {
     switch (comparison) {
         case Comparison::Less: return a < b;
         case Comparison::LessEqual: return a <= b;
@@ -153,18 +153,25 @@ Value negate(const Value& operand, Position at) {
     throw RuntimeError(std::string("unary '-': expected a number, got ") + typeName(operand), at);
 }
 
-bool compare(Comparison comparison, const Value& left, const Value& right, Position at) {
+bool tryCompare(Comparison comparison, const Value& left, const Value& right,
+                bool& holds) noexcept {
     if (left.isString() && right.isString()) {
-        return holds(comparison, compareTexts(left.asString(), right.asString()), 0);
+        holds = isOrdered(comparison, compareTexts(left.asString(), right.asString()), 0);
+        return true;
     }
     if (left.isNumber() && right.isNumber()) {
-        return holds(comparison, left.asNumber(), right.asNumber());
+        holds = isOrdered(comparison, left.asNumber(), right.asNumber());
+        return true;
     }
-    throw RuntimeError(comparisonMessage(left, right), at);
+    return false;
 }
 
-bool areComparable(const Value& left, const Value& right) noexcept {
-    return left.isNumber() ? right.isNumber() : left.isString() && right.isString();
+bool compare(Comparison comparison, const Value& left, const Value& right, Position at) {
+    bool holds = false;
+    if (!tryCompare(comparison, left, right, holds)) {
+        throw RuntimeError(comparisonMessage(left, right), at);
+    }
+    return holds;
 }
 
 std::string comparisonMessage(const Value& left, const Value& right) {

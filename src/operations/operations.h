@@ -39,7 +39,7 @@ const char* zeroDivisionMessage(ArithmeticOp op) noexcept;
 
 Value negate(const Value& operand, Position at);
 bool compare(Comparison comparison, const Value& left, const Value& right, Position at);
-bool areComparable(const Value& left, const Value& right) noexcept;
+bool tryCompare(Comparison comparison, const Value& left, const Value& right, bool& holds) noexcept;
 std::string comparisonMessage(const Value& left, const Value& right);
 
 // `object[index]`; a missing key of a map gives nil.

@@ -42,18 +42,26 @@ std::uint32_t hashKey(const Value& key) noexcept {
     if (!key.isNumber()) return isTruthy(key) ? 2 : 1;
     // Numbers are compared as doubles, so they are hashed as doubles; adding 0.0 turns -0.0 into
     // 0.0.
-    const double number = key.asNumber() + 0.0;
-    char bytes[sizeof number];
-    std::copy_n(reinterpret_cast<const char*>(&number), sizeof number, bytes);
-    return hashBytes({bytes, sizeof bytes});
+    return hashWord(std::bit_cast<std::uint64_t>(key.asNumber() + 0.0));
 }
 
 }  // namespace
 
 std::size_t MapData::findPosition(const Value& key) const noexcept {
+    if (!key.isString()) {
+        return findWhere(key, [&](const Value& other) { return keysEqual(other, key); });
+    }
+    const StringObj& text = key.asString();
+    return findWhere(key, [&](const Value& other) {
+        return other.isString() && areSameText(other.asString(), text);
+    });
+}
+
+template <typename IsKey>
+std::size_t MapData::findWhere(const Value& key, IsKey isKey) const noexcept {
     if (slots_.empty()) {
         for (std::size_t position = 0; position < entries_.size(); ++position) {
-            if (keysEqual(entries_[position].key, key)) return position;
+            if (isKey(entries_[position].key)) return position;
         }
         return npos;
     }
@@ -62,7 +70,7 @@ std::size_t MapData::findPosition(const Value& key) const noexcept {
     const std::size_t mask = slots_.size() - 1;
     for (std::size_t at = hash & mask; slots_[at].positionPlusOne != 0; at = (at + 1) & mask) {
         const std::size_t position = slots_[at].positionPlusOne - 1;
-        if (slots_[at].hash == hash && keysEqual(entries_[position].key, key)) return position;
+        if (slots_[at].hash == hash && isKey(entries_[position].key)) return position;
     }
     return npos;
 }

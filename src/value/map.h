@@ -49,6 +49,9 @@ public:
         return static_cast<std::uint32_t>(offset / sizeof(Entry) * sizeof(Entry));
     }
 
+    // Makes room for `count` entries in all, as far as they need no index.
+    void reserve(std::size_t count) { entries_.reserve(count); }
+
     // Replaces the value under `key`, keeping the key as first stored, or appends an entry.
     void set(const Value& key, Value&& value);
 
@@ -68,6 +71,8 @@ private:
     };
 
     std::size_t findPosition(const Value& key) const noexcept;
+    template <typename IsKey>
+    std::size_t findWhere(const Value& key, IsKey isKey) const noexcept;
     bool needsIndexFor(std::size_t count) const noexcept;
     void addToIndex(std::size_t position) noexcept;
     void rebuildIndex(std::size_t slotCount);

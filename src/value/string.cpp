@@ -184,25 +184,49 @@ std::array<std::uint64_t, 2> makeSeed() noexcept {
     }
 }
 
-std::uint64_t loadUpTo8(const char* bytes, std::size_t count) noexcept {
-    std::uint64_t word = 0;
-    std::memcpy(&word, bytes, count);
+template <typename Word>
+std::uint64_t load(const char* bytes) noexcept {
+    Word word;
+    std::memcpy(&word, bytes, sizeof word);
     return word;
+}
+
+// A word that differs where the bytes do. REQUIRES: at most 8 bytes.
+std::uint64_t loadUpTo8(const char* bytes, std::size_t count) noexcept {
+    if (count >= 4) {  // the two halves may overlap
+        return load<std::uint32_t>(bytes) << 32 | load<std::uint32_t>(bytes + count - 4);
+    }
+    if (count == 0) return 0;
+    return load<std::uint8_t>(bytes) << 16 | load<std::uint8_t>(bytes + count / 2) << 8 |
+           load<std::uint8_t>(bytes + count - 1);
+}
+
+const std::array<std::uint64_t, 2>& hashSeed() noexcept {
+    static const std::array<std::uint64_t, 2> seed = makeSeed();
+    return seed;
+}
+
+std::uint32_t finishHash(std::uint64_t state) noexcept {
+    const auto hash = static_cast<std::uint32_t>(state ^ state >> 32);
+    return hash ? hash : 1;
 }
 
 }  // namespace
 
 std::uint32_t hashBytes(std::string_view bytes) noexcept {
-    static const std::array<std::uint64_t, 2> seed = makeSeed();
+    const std::array<std::uint64_t, 2>& seed = hashSeed();
     std::uint64_t state = seed[0] ^ bytes.size();
     const char* at = bytes.data();
     std::size_t left = bytes.size();
     for (; left > 8; at += 8, left -= 8) {
-        state = mix(state ^ loadUpTo8(at, 8), seed[1]);
+        state = mix(state ^ load<std::uint64_t>(at), seed[1]);
     }
-    state = mix(state ^ loadUpTo8(at, left), seed[1]);
-    const auto hash = static_cast<std::uint32_t>(state ^ state >> 32);
-    return hash ? hash : 1;
+    return finishHash(mix(state ^ loadUpTo8(at, left), seed[1]));
+}
+
+std::uint32_t hashWord(std::uint64_t word) noexcept {
+    const std::array<std::uint64_t, 2>& seed = hashSeed();
+    return finishHash(mix(seed[0] ^ word, seed[1]));
 }
 
 Symbol::Symbol(std::string_view text) {

@@ -108,8 +108,9 @@ inline int compareTexts(const StringObj& a, const StringObj& b) noexcept {
     return left.compare(right);
 }
 
-// A seeded hash of some bytes, never 0.
+// Seeded hashes of some bytes and of one word, never 0.
 std::uint32_t hashBytes(std::string_view bytes) noexcept;
+std::uint32_t hashWord(std::uint64_t word) noexcept;
 
 // A name or literal of a program, interned: equal texts share one StringObj, so symbols compare by
 // address, and a field access finds its key by address too. Interned strings live until the thread

@@ -545,7 +545,7 @@ index_plainly:
     }
 
     ARM(CALL_P) {
-        R(pc->a) = *pc->pointer;
+        new (&R(pc->a)) Value(*pc->pointer);  // a temporary, which holds nothing yet
         goto call;
     }
     ARM(CALL)

@@ -81,11 +81,11 @@ void VM::negateSlowly(Value& to, Value& operand, std::uint32_t ends) {
 
 VM::Outcome VM::compareSlowly(Comparison comparison, Value& left, Value& right,
                               std::uint32_t ends) {
-    if (!areComparable(left, right)) {
+    bool holds = false;
+    if (!tryCompare(comparison, left, right, holds)) {
         raise(comparisonMessage(left, right));
         return Outcome::Failed;
     }
-    const bool holds = compare(comparison, left, right, Position{});
     endOperands(left, right, ends);
     return holds ? Outcome::Yes : Outcome::No;
 }
@@ -146,6 +146,7 @@ void VM::buildMap(Value& to, Value* first, std::size_t valueCount) {
 
 Value VM::mapOf(const Value* first, std::size_t valueCount) {
     auto map = makeRef<MapData>();
+    map->reserve(valueCount / 2);
     for (const Value* key = first; key != first + valueCount; key += 2) {
         if (!key->isString() && !key->isNumber()) {
             fail(std::string("map keys must be string or number, got ") + typeName(*key));
