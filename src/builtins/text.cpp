@@ -4,6 +4,7 @@
 #include "value/format.h"
 
 #include <algorithm>
+#include <array>
 
 // Text is bytes here: lengths and positions count them, and only the letters of ASCII have a case.
 
@@ -59,16 +60,51 @@ void forEachPiece(std::string_view text, std::string_view separator, Visit visit
     visit(text.substr(start));
 }
 
-// A list of the texts that `forEach` visits. They are counted first where there may be too many.
+// Makes strings of pieces of a text, and where a short piece has lately come up before, the same
+// string again: words repeat, and then cost neither memory nor another hash when they are counted.
+class PieceMaker {
+public:
+    Value make(std::string_view piece) {
+        if (piece.size() < 2 || piece.size() > longest) return Value(piece);
+        const StringObj*& known = known_[slotFor(piece)];
+        if (!known || known->view() != piece) {
+            Value made(piece);
+            known = &made.asString();
+            return made;
+        }
+        return Value(Ref<StringObj>(const_cast<StringObj*>(known)));
+    }
+
+private:
+    static constexpr std::size_t longest = 24;
+    static constexpr std::size_t slots = 1024;
+
+    static std::size_t slotFor(std::string_view piece) noexcept {
+        std::uint32_t hash = 0;
+        for (const char byte : piece) hash = hash * 31 + static_cast<unsigned char>(byte);
+        return (hash ^ hash >> 10) % slots;
+    }
+
+    std::array<const StringObj*, slots> known_ = {};  // the list that is being made holds them
+};
+
+// A list of the pieces that `forEach` visits, cut from a text of `length` bytes into `mostPossible`
+// at most. They are counted first where there may be too many.
 template <typename ForEach>
-Value listOfTexts(std::size_t mostPossible, ForEach forEach) {
+Value listOfPieces(std::size_t length, std::size_t mostPossible, ForEach forEach) {
+    constexpr std::size_t worthSharing = 4'096;
     if (mostPossible > maxListLength) {
         std::size_t count = 0;
         forEach([&](std::string_view) { checkListLength(++count); });
     }
-    std::vector<Value> texts;
-    forEach([&](std::string_view text) { texts.emplace_back(text); });
-    return makeList(std::move(texts));
+    std::vector<Value> pieces;
+    if (length < worthSharing) {
+        forEach([&](std::string_view piece) { pieces.emplace_back(piece); });
+    } else {
+        PieceMaker maker;
+        forEach([&](std::string_view piece) { pieces.push_back(maker.make(piece)); });
+    }
+    return makeList(std::move(pieces));
 }
 
 }  // namespace
@@ -98,11 +134,12 @@ Value split(Caller&, Arguments args) {
     const std::string_view text = textArg(args[0], "split: expected a string");
     const bool hasSeparator = args.size() > 1 && args[1].isString() && !args[1].asText().empty();
     if (!hasSeparator) {
-        return listOfTexts(text.size() / 2 + 1, [&](auto visit) { forEachWord(text, visit); });
+        return listOfPieces(text.size(), text.size() / 2 + 1,
+                            [&](auto visit) { forEachWord(text, visit); });
     }
     const std::string_view separator = args[1].asText();
-    return listOfTexts(text.size() / separator.size() + 1,
-                       [&](auto visit) { forEachPiece(text, separator, visit); });
+    return listOfPieces(text.size(), text.size() / separator.size() + 1,
+                        [&](auto visit) { forEachPiece(text, separator, visit); });
 }
 
 Value join(Caller&, Arguments args) {

@@ -7,6 +7,7 @@
 
 #include <deque>
 #include <unordered_map>
+#include <vector>
 
 namespace pellum {
 
@@ -32,11 +33,13 @@ public:
         GlobalCell& defined = cell(*name.string());
         defined.value = std::move(value);
         defined.isDefined = true;
+        if (defined.value.kind() == ValueKind::Native) natives_.push_back(defined.value);
     }
 
 private:
     std::deque<GlobalCell> cells_;
     std::unordered_map<const StringObj*, GlobalCell*> byName_;
+    std::vector<Value> natives_;  // kept, since one may be forgotten while it runs
 };
 
 }  // namespace pellum

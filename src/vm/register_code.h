@@ -79,6 +79,7 @@ namespace pellum {
     OP(SET_INDEX_RR)                               \
     OP(SET_INDEX_RP)                               \
     OP(SET_INDEX_PR)                               \
+    OP(SET_INDEX_RR_P)                             \
     OP(SET_FIELD_R)                                \
     OP(SET_FIELD_P)                                \
     OP(BUILD_LIST)                                 \

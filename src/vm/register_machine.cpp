@@ -75,6 +75,11 @@ template <typename Number>
     return position < items.size() ? &items[position] : nullptr;
 }
 
+// REQUIRES: the value is a native.
+[[gnu::always_inline]] inline const NativeObj& nativeOf(const Value& value) noexcept {
+    return static_cast<const NativeObj&>(*static_cast<CallableObj*>(value.object()));
+}
+
 // Moves an element out of a container that ends with it.
 inline void takeElement(Value& to, Value& container, const Value& element) noexcept {
     Value taken = element;
@@ -506,6 +511,20 @@ index_plainly:
             NEXT();
         } SAVE();
         vm->setIndexSlowly(left, right, R(pc->a), ENDS); NEXT();)
+    ARM(SET_INDEX_RR_P) {  // the value is a constant
+        Value& left = R(pc->b);
+        Value& right = R(pc->c);
+        if (Value* element = elementAt(left, right)) [[likely]] {
+            *element = *pc->pointer;
+            if (ENDS & endsLeft) [[unlikely]] {
+                left = Value();
+            }
+            NEXT();
+        }
+        SAVE();
+        vm->setIndexSlowly(left, right, P, ENDS);
+        NEXT();
+    }
     ARM(SET_FIELD_R) {
         if (Value& object = R(pc->b); object.isMap()) [[likely]] {
             if (Value* found = object.asMap().valueAt(PLACE, pc->key)) [[likely]] {
@@ -545,7 +564,12 @@ index_plainly:
     }
 
     ARM(CALL_P) {
-        new (&R(pc->a)) Value(*pc->pointer);  // a temporary, which holds nothing yet
+        const Value& function = *pc->pointer;
+        if (function.kind() == ValueKind::Native) {
+            SAVE();
+            ATTEMPT(vm->callNativeAt(&R(pc->a), nativeOf(function), pc->b))
+        }
+        new (&R(pc->a)) Value(function);  // a temporary, which holds nothing yet
         goto call;
     }
     ARM(CALL)

@@ -41,13 +41,19 @@ bool VM::callSlowly(Value* callee, std::size_t argCount) {
         ++caller->pc;  // where the callee returns to
         return false;
     }
-    const auto& native =
-        static_cast<const NativeObj&>(*static_cast<CallableObj*>(callee->object()));
+    const Value native = std::move(*callee);
+    return callNativeAt(callee, static_cast<const NativeObj&>(native.asFunction()), argCount);
+}
+
+// The result goes where the callee would be, just below the arguments.
+bool VM::callNativeAt(Value* to, const NativeObj& native, std::size_t argCount) {
+    stack_.setTop(to + 1 + argCount);
     if (!native.accepts(argCount)) throw arityError(native, argCount, position());
-    Value result = runNative(native, *this, {callee + 1, argCount});
-    if (hasFailed()) return raiseFailure();
-    for (Value *slot = callee + 1, *end = slot + argCount; slot != end; ++slot) *slot = Value();
-    *callee = std::move(result);
+    Value result = runNative(native, *this, {to + 1, argCount});
+    if (hasFailed()) [[unlikely]]
+        return raiseFailure();
+    for (Value *slot = to + 1, *end = slot + argCount; slot != end; ++slot) slot->releaseObject();
+    *to = std::move(result);
     return true;
 }
 

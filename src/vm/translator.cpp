@@ -660,7 +660,10 @@ private:
 
     void indexSet() {
         if (!takesPop()) return;
-        const Operand value = popRegister();
+        const bool bothAreRegisters =
+            !operandAt(depth() - 2).isPointer && !operandAt(depth() - 3).isPointer;
+        const bool isConstant = bothAreRegisters && constantOnTop();
+        const Operand value = isConstant ? popOperand() : popRegister();
         Operand index = operandAt(depth() - 1);
         const bool isConstantField =
             index.isPointer && index.pointer->isString() && !entries_.back().isGlobal;
@@ -682,10 +685,17 @@ private:
             set.key = &index.pointer->asString();
             return;
         }
-        Instruction& set = emit(withForm(RegisterOp::SET_INDEX_RR, formOf(object, index)), offset_);
-        set.a = slotOffset(value.slot);
+        const RegisterOp op = isConstant
+                                  ? RegisterOp::SET_INDEX_RR_P
+                                  : withForm(RegisterOp::SET_INDEX_RR, formOf(object, index));
+        Instruction& set = emit(op, offset_);
         set.extra = static_cast<std::int32_t>(ends);
         fillOperands(set, object, index);
+        if (isConstant) {
+            set.pointer = value.pointer;
+        } else {
+            set.a = slotOffset(value.slot);
+        }
     }
 
     void call(std::size_t argCount) {

@@ -102,6 +102,7 @@ private:
     // Register code: what its arms leave to others. False where the top frame, or the place in it,
     // has changed: by a call, or because a handler has been entered.
     bool callSlowly(Value* callee, std::size_t argCount);
+    bool callNativeAt(Value* to, const NativeObj& native, std::size_t argCount);
     bool binarySlowly(ArithmeticOp op, Value& to, Value& left, Value& right, std::uint32_t ends);
     bool indexSlowly(Value& to, Value& object, Value& index, std::uint32_t ends);
     bool field(Instruction& at, Value& to, Value& object);
