@@ -3,6 +3,7 @@
 //   --update         rewrite expectations from what the programs print
 //   --list-for-ctest print all tests as commands for CTest, instead of running them
 #include "runners/runners.h"
+#include "support/needed_limits.h"
 #include "support/registration.h"
 #include "support/sanitizers.h"
 
@@ -12,22 +13,32 @@
 
 #include <filesystem>
 #include <iostream>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace {
 
-// Each test becomes a process of its own, so that a crash costs one test and all run in parallel.
-void listForCTest() {
-    const std::string executable = pellum::test::executablePath();
+std::vector<std::string> allTests() {
+    std::vector<std::string> names;
     const testing::UnitTest& tests = *testing::UnitTest::GetInstance();
     for (int i = 0; i < tests.total_test_suite_count(); ++i) {
         const testing::TestSuite& suite = *tests.GetTestSuite(i);
         for (int j = 0; j < suite.total_test_count(); ++j) {
-            const std::string name = std::string(suite.name()) + "." + suite.GetTestInfo(j)->name();
-            std::cout << "add_test([==[" << name << "]==] [==[" << executable
-                      << "]==] --gtest_brief=1 [==[--gtest_filter=" << pellum::test::filterFor(name)
-                      << "]==])\n";
+            names.push_back(std::string(suite.name()) + "." + suite.GetTestInfo(j)->name());
         }
+    }
+    return names;
+}
+
+// Each test becomes a process of its own, so that a crash costs one test and all run in parallel.
+void listForCTest() {
+    const std::string executable = pellum::test::executablePath();
+    for (const std::string& name : allTests()) {
+        if (!pellum::test::canRun(name)) continue;
+        std::cout << "add_test([==[" << name << "]==] [==[" << executable
+                  << "]==] --gtest_brief=1 [==[--gtest_filter=" << pellum::test::filterFor(name)
+                  << "]==])\n";
     }
 }
 
@@ -59,7 +70,15 @@ int main(int argc, char** argv) {
     registerCommandLineCases();
     registerListings();
     registerMarkdownPages();
-    if (lists) return listForCTest(), 0;
+    if (lists) {
+        if (const auto useless = uselessNeed(allTests())) {
+            std::cerr << "no test begins with " << *useless << "\n";
+            return 2;
+        }
+        return listForCTest(), 0;
+    }
+    std::string& filter = testing::GTEST_FLAG(filter);
+    filter = withoutWhatCannotRun(filter);
     const int result = RUN_ALL_TESTS();
     // A filter that selects nothing is a mistake, not a success.
     return testing::UnitTest::GetInstance()->test_to_run_count() == 0 ? 1 : result;

@@ -1,6 +1,8 @@
 // Where a program prints to and reads lines from. Each engine is given one.
 #pragma once
 
+#include "value/limits.h"
+
 #include <cstddef>
 #include <iosfwd>
 #include <optional>
@@ -17,7 +19,7 @@ struct OutputError {
 // A line of input without an end in sight.
 struct LineTooLong {};
 
-inline constexpr std::size_t maxLineLength = std::size_t{1} << 28;
+inline constexpr std::size_t maxLineLength = limit(1 << 28, 3'000);
 
 class Console {
 public:

@@ -1,6 +1,7 @@
 #include "builtins/families.h"
 
 #include "value/format.h"
+#include "value/limits.h"
 #include "value/number.h"
 #include "value/parse_number.h"
 
@@ -33,7 +34,7 @@ Value parseWholeNumber(std::string_view text) {
 // The text as it is, not in repr form. A message is a string to whoever catches it, so one that
 // would be too long is refused like any other.
 std::string inQuotes(std::string_view text) {
-    constexpr std::size_t roomForTheRest = 64;
+    constexpr std::size_t roomForTheRest = limit(64, 1);
     checkStringLength(text.size() + roomForTheRest);
     std::string quoted;
     quoted.reserve(text.size() + roomForTheRest);

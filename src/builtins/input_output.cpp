@@ -9,7 +9,7 @@ namespace pellum::library {
 namespace {
 
 // A string longer than this is written from where it is.
-constexpr std::size_t maxCopied = std::size_t{64} << 10;
+constexpr std::size_t maxCopied = limit(64 << 10, 4);
 
 bool isLongString(const Value& value) {
     return value.isString() && value.asText().size() > maxCopied;

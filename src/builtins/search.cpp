@@ -1,5 +1,7 @@
 #include "builtins/search.h"
 
+#include "value/limits.h"
+
 #include <algorithm>
 
 namespace pellum {
@@ -48,7 +50,7 @@ std::size_t TextSearcher::find(std::string_view text, std::size_t from) noexcept
     // Looking for the first byte and comparing from there is fastest on ordinary text. Once the
     // comparisons cost more than the ground they win, the two-way search takes over, whose time is
     // linear at worst.
-    constexpr std::size_t patience = 256;
+    constexpr std::size_t patience = limit(256, 2);
     std::size_t compared = 0;
     std::size_t at = from;
     while (text.size() - at >= needle_.size()) {

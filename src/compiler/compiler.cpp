@@ -2,12 +2,13 @@
 
 #include "compiler/function_state.h"
 #include "value/host_stack.h"
+#include "value/limits.h"
 
 namespace pellum {
 
 namespace {
 
-constexpr std::size_t maxArguments = 255;
+constexpr std::size_t maxArguments = limit(255, 20);
 
 class Compiler {
 public:

@@ -1,13 +1,14 @@
 #include "compiler/emitter.h"
 
 #include "driver/errors/errors.h"
+#include "value/limits.h"
 
 namespace pellum {
 
 namespace {
 
-constexpr std::size_t maxConstants = 0x10000;
-constexpr std::size_t maxJump = 0xFFFF;
+constexpr std::size_t maxConstants = limit(0x10000, 4'000);
+constexpr std::size_t maxJump = limit(0xFFFF, 3'999);
 
 }  // namespace
 

@@ -3,12 +3,17 @@
 // handler, so that an interrupted program loses nothing of what it has printed.
 #pragma once
 
+#include "value/limits.h"
+
 #include <array>
 #include <atomic>
 #include <cstddef>
 #include <streambuf>
 
 namespace pellum {
+
+// In bytes, of each direction.
+inline constexpr std::size_t bufferSize = limit(1 << 16, 16);
 
 class InputBuffer final : public std::streambuf {
 public:
@@ -20,7 +25,7 @@ protected:
 
 private:
     int descriptor_;
-    std::array<char, 1 << 16> bytes_;
+    std::array<char, bufferSize> bytes_;
 };
 
 class OutputBuffer final : public std::streambuf {
@@ -47,7 +52,7 @@ private:
     std::atomic<bool> isWriting_ = false;
     std::atomic<std::size_t> begin_ = 0;
     std::atomic<std::size_t> end_ = 0;
-    std::array<char, 1 << 16> bytes_;
+    std::array<char, bufferSize> bytes_;
 
     static_assert(std::atomic<std::size_t>::is_always_lock_free);
     static_assert(std::atomic<bool>::is_always_lock_free);

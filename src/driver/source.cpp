@@ -4,6 +4,7 @@
 #include "interp/interpreter.h"
 #include "lexer/lexer.h"
 #include "parser/parser.h"
+#include "value/limits.h"
 #include "vm/vm.h"
 
 #include <array>
@@ -31,7 +32,8 @@ std::optional<std::string> readSourceFile(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     if (!file) return std::nullopt;
     std::string text;
-    std::array<char, 1 << 14> chunk;
+    constexpr std::size_t chunkSize = limit(1 << 14, 5);
+    std::array<char, chunkSize> chunk;
     do {
         file.read(chunk.data(), chunk.size());
         text.append(chunk.data(), static_cast<std::size_t>(file.gcount()));

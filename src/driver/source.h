@@ -3,6 +3,7 @@
 
 #include "driver/run_main.h"
 #include "driver/session.h"
+#include "value/limits.h"
 
 #include <optional>
 #include <string>
@@ -14,7 +15,7 @@ namespace pellum {
 enum class Engine { VirtualMachine, TreeWalker };
 
 // A source text has at most this many bytes, so that what is made of it fits into memory.
-inline constexpr std::size_t maxSourceLength = std::size_t{1} << 26;
+inline constexpr std::size_t maxSourceLength = limit(1 << 26, 20'000);
 
 // The bytes of a file, or none when it cannot be opened and read to its end. Stops reading behind
 // maxSourceLength bytes, so that a longer result means that the file is too long.

@@ -1,11 +1,13 @@
 #include "interp/environment.h"
 
+#include "value/limits.h"
+
 namespace pellum {
 
 namespace {
 
 // Up to here comparing the few names one by one beats hashing.
-constexpr std::size_t maxUnindexed = 8;
+constexpr std::size_t maxUnindexed = limit(8, 1);
 
 }  // namespace
 

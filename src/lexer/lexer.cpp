@@ -1,6 +1,7 @@
 #include "lexer/lexer.h"
 
 #include "driver/errors/errors.h"
+#include "value/limits.h"
 #include "value/parse_number.h"
 
 #include <algorithm>
@@ -76,7 +77,8 @@ public:
 
     std::vector<Token> run() {
         // Code has a token for every three or four bytes; the bound is for texts that are not code.
-        tokens_.reserve(std::min<std::size_t>(source_.size() / 4 + 1, 1 << 16));
+        constexpr int mostReserved = limit(1 << 16, 2);
+        tokens_.reserve(std::min<std::size_t>(source_.size() / 4 + 1, mostReserved));
         while (!atEnd()) scan();
         add(TokenKind::EndOfFile, "");
         return std::move(tokens_);

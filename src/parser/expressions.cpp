@@ -1,6 +1,7 @@
 #include "parser/parser_impl.h"
 
 #include "lexer/lexer.h"
+#include "value/limits.h"
 #include "value/number.h"
 
 #include <array>
@@ -50,7 +51,7 @@ constexpr auto bindingByKind = [] {
 }();
 
 // Texts up to this length are shared by all who spell them; longer ones are seldom keys.
-constexpr std::size_t maxInternedLength = 64;
+constexpr std::size_t maxInternedLength = limit(64, 3);
 
 Value stringValue(std::string_view text) {
     return text.size() <= maxInternedLength ? Value(Symbol(text).string()) : Value(text);

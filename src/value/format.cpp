@@ -1,5 +1,6 @@
 #include "value/format.h"
 
+#include "value/limits.h"
 #include "value/map.h"
 #include "value/string.h"
 
@@ -13,7 +14,7 @@ namespace pellum {
 namespace {
 
 // A text that gets longer than this is counted before it is finished.
-constexpr std::size_t maxUncounted = std::size_t{4} << 20;
+constexpr std::size_t maxUncounted = limit(4 << 20, 8);
 
 // Appends the text of a value, walking nested containers with a stack of its own. Each container
 // that is being shown is marked, which is how one that holds itself is recognised.

@@ -1,5 +1,7 @@
 #include "value/host_stack.h"
 
+#include "value/limits.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <limits>
@@ -24,9 +26,9 @@ namespace {
 #endif
 #endif
 #if defined(PELLUM_ADDRESS_SANITIZER)
-constexpr std::size_t wantedStack = std::size_t{60} << 20;
+constexpr std::size_t wantedStack = limit(60 << 20, 8 << 20);
 #else
-constexpr std::size_t wantedStack = std::size_t{128} << 20;
+constexpr std::size_t wantedStack = limit(128 << 20, 4 << 20);
 #endif
 
 // The part of a thread's stack that is kept back for work between two checks.

@@ -1,5 +1,7 @@
 #include "value/map.h"
 
+#include "value/limits.h"
+
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -11,7 +13,7 @@ namespace pellum {
 namespace {
 
 // Up to here a scan beats the index.
-constexpr std::size_t maxUnindexed = 8;
+constexpr std::size_t maxUnindexed = limit(8, 1);
 
 // The index counts in 32 bits. No memory holds so many entries.
 constexpr std::size_t maxPosition = std::numeric_limits<std::uint32_t>::max() - 1;

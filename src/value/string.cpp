@@ -47,7 +47,12 @@ private:
 namespace {
 
 // Up to here a result is copied whole rather than given a buffer to grow in.
-constexpr std::size_t maxInlineResult = 128;
+constexpr std::size_t maxInlineResult = limit(128, 4);
+
+// What a buffer that is known to grow is given beyond the length it needs now.
+constexpr std::size_t roomFor(std::size_t length) noexcept {
+    return limit(length / 2, std::size_t{2});
+}
 
 void checkLength(std::size_t length) {
     if (length > maxStringLength) throw std::length_error("string too long");
@@ -126,7 +131,7 @@ Ref<StringObj> StringObj::concatenate(Ref<StringObj> left, std::string_view righ
     // A left part that has been appended to before will be again: leave room. Any other sum gets
     // what it needs and no more.
     const bool endsItsBuffer = !left->isInline() && left->buffer_->used() == leftLength;
-    const std::size_t room = endsItsBuffer ? length / 2 : 0;
+    const std::size_t room = endsItsBuffer ? roomFor(length) : 0;
     StringBuffer* buffer = StringBuffer::make(std::min(length + room, maxStringLength));
     buffer->append(left->view());
     buffer->append(right);

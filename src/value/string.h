@@ -5,11 +5,12 @@
 // and older holders, who keep their own length, see nothing of it.
 #pragma once
 
+#include "value/limits.h"
 #include "value/value.h"
 
 namespace pellum {
 
-inline constexpr std::size_t maxStringLength = 0x7FFF'FFFF;
+inline constexpr std::size_t maxStringLength = limit(0x7FFF'FFFF, 10'000);
 
 class StringBuffer;
 

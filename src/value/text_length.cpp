@@ -1,5 +1,6 @@
 #include "value/format.h"
 
+#include "value/limits.h"
 #include "value/map.h"
 #include "value/string.h"
 
@@ -87,7 +88,7 @@ private:
     }
 
     void addPlain(const Value& value) {
-        constexpr std::size_t worthRemembering = 256;
+        constexpr std::size_t worthRemembering = limit(256, 2);
         if (!value.isString() || value.asText().size() < worthRemembering) {
             return add(plainLength(value));
         }

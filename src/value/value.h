@@ -7,6 +7,7 @@
 // an error of the language: callers test the kind first and complain in their own words.
 #pragma once
 
+#include "value/limits.h"
 #include "value/object.h"
 
 #include <concepts>
@@ -144,7 +145,7 @@ private:
 
 static_assert(sizeof(Value) == 16);
 
-inline constexpr std::size_t maxListLength = std::size_t{1} << 28;
+inline constexpr std::size_t maxListLength = limit(std::size_t{1} << 28, std::size_t{3'000});
 
 // The elements of a list. A list is nothing but its shared vector. Its length stays within
 // maxListLength: what would make a longer one throws std::length_error first.

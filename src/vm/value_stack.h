@@ -3,6 +3,7 @@
 // A slot that is not live never holds a reference.
 #pragma once
 
+#include "value/limits.h"
 #include "value/value.h"
 
 #include <cstdlib>
@@ -13,7 +14,7 @@ namespace pellum {
 
 class ValueStack {
 public:
-    static constexpr std::size_t capacity = 65'536;
+    static constexpr std::size_t capacity = limit(65'536, 4'000);
 
     // Zeroed memory, which the system hands out without touching it, is a stack of nils.
     ValueStack() : slots_(static_cast<Value*>(std::calloc(capacity, sizeof(Value)))), top_(slots_) {

@@ -8,6 +8,7 @@
 
 #include "builtins/native.h"
 #include "operations/operations.h"
+#include "value/limits.h"
 #include "vm/closure.h"
 #include "vm/globals.h"
 #include "vm/register_code.h"
@@ -21,7 +22,7 @@ namespace pellum {
 class VM final : public Caller {
 public:
     // Calls nested deeper than this, the script's own included, are an error of the program.
-    static constexpr std::size_t maxFrames = 4'096;
+    static constexpr std::size_t maxFrames = limit(4'096, 400);
 
     enum class Code { Register, Stack };
 

@@ -96,7 +96,7 @@ Trials::Trials(Call call, Handling handling) : call_(std::move(call)), handling_
     duration_ = std::chrono::steady_clock::now() - start;
     normal_ = result.outcome;
     allocations_ = result.allocations;
-    leaves_ = result.leftBlocks != 0;
+    leavesCircles_ = result.leftBlocks != 0;
 }
 
 std::optional<std::string> Trials::judge(const Outcome& given, Failing failing) const {
@@ -142,7 +142,7 @@ std::optional<std::string> Trials::failBy(Play play, std::uint64_t nth, Failing 
     std::optional<std::string> wrong = judge(given_, failing);
     if (result.escaped) {
         wrong = "an exception that left the program";
-    } else if (!wrong && !leaves_ && result.leftBlocks != 0) {
+    } else if (!wrong && !leavesCircles_ && result.leftBlocks != 0) {
         wrong = std::to_string(result.leftBlocks) + " blocks that were not given back";
     }
     if (!wrong) return std::nullopt;

@@ -36,10 +36,12 @@ public:
     const Outcome& normal() const { return normal_; }
     // What came of the last failure.
     const Outcome& given() const { return given_; }
+    // Whether a run leaves circles behind, which nothing collects.
+    bool leavesCircles() const { return leavesCircles_; }
     std::chrono::nanoseconds duration() const { return duration_; }
 
     // Circles of a program that takes them apart at its end are left when it does not get there.
-    void ignoreWhatIsLeft() { leaves_ = true; }
+    void ignoreWhatIsLeft() { leavesCircles_ = true; }
 
     // Lets the `nth` allocation fail. None when all is well, else what is wrong.
     std::optional<std::string> fail(std::uint64_t nth, Failing failing);
@@ -59,7 +61,7 @@ private:
     Outcome given_;
     std::uint64_t allocations_ = 0;
     std::chrono::nanoseconds duration_{};
-    bool leaves_ = false;  // the program makes circles, which nothing collects
+    bool leavesCircles_ = false;
 };
 
 }  // namespace pellum::test

@@ -3,6 +3,9 @@
 #include "support/files.h"
 #include "support/process.h"
 
+#include "driver/source.h"
+#include "value/limits.h"
+
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
@@ -46,22 +49,23 @@ TEST(Streams, InputThatDoesNotBlockIsWaitedFor) {
 
 // The program prints faster than we read, so it meets a full pipe again and again.
 TEST(Streams, OutputThatDoesNotBlockIsComplete) {
+    constexpr std::size_t longest = limit(1'000'000, 10'000);
+    const std::string length = std::to_string(longest);
     for (const Engine engine : bothEngines) {
         Process process = programOf(
-            onEngine(engine, {"-c",
-                              "for i = 1, 100000 do print(i) end\nprint(repeat(\"x\", 1000000))\n"
-                              "error(repeat(\"y\", 1000000))"}));
+            onEngine(engine, {"-c", "for i = 1, 100000 do print(i) end\nprint(repeat(\"x\", " +
+                                        length + "))\nerror(repeat(\"y\", " + length + "))"}));
         process.prepare = [] {
             return makeNonBlocking(STDOUT_FILENO) && makeNonBlocking(STDERR_FILENO);
         };
         process.started = [](pid_t) { usleep(200'000); };
         std::string wanted;
         for (int i = 1; i <= 100'000; ++i) wanted += std::to_string(i) + "\n";
-        wanted.append(1'000'000, 'x') += '\n';
+        wanted.append(longest, 'x') += '\n';
         const Outcome outcome = process.run();
         EXPECT_EQ(outcome.status, 1);
         EXPECT_TRUE(outcome.output == wanted);
-        EXPECT_TRUE(outcome.errors == "Error: " + std::string(1'000'000, 'y') + "\n");
+        EXPECT_TRUE(outcome.errors == "Error: " + std::string(longest, 'y') + "\n");
     }
 }
 
@@ -107,14 +111,16 @@ TEST(Sources, ThatMayNotBeReadCannotBeOpened) {
 }
 
 TEST(Sources, ThatAreTooLongByOneByte) {
-    constexpr std::size_t greatest = std::size_t{1} << 26;
+    constexpr std::size_t greatest = maxSourceLength;
     const TemporaryFolder folder;
     Process process = programOf({"source"});
     process.folder = folder.path();
     std::string text(greatest + 1, ' ');
     text.replace(greatest - 8, 8, "print(1)");
     writeFile(folder.path() / "source", text);
-    EXPECT_EQ(process.run(), (Outcome{1, "", "pellum: source is longer than 67108864 bytes\n"}));
+    EXPECT_EQ(
+        process.run(),
+        (Outcome{1, "", "pellum: source is longer than " + std::to_string(greatest) + " bytes\n"}));
     text.pop_back();
     writeFile(folder.path() / "source", text);
     EXPECT_EQ(process.run(), (Outcome{0, "1\n", ""}));

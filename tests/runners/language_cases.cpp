@@ -7,6 +7,9 @@
 #include "support/registration.h"
 #include "support/text.h"
 
+#include "value/limits.h"
+
+#include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -118,12 +121,31 @@ void play(const fs::path& path, Engine engine) {
     }
 }
 
-bool runsOn(const fs::path& path, Engine engine) {
-    try {
-        return expectationsOf(readFile(path)).runsOn(engine);
-    } catch (const BadExpectation&) {
-        return true;  // playing it reports what is wrong
+// A case that could do with small limits is played with them, and says nothing else.
+void expectNeedOfOrdinaryLimits(const fs::path& path, Engine engine) {
+    testing::TestPartResultArray failures;
+    {
+        const testing::ScopedFakeTestPartResultReporter collect(
+            testing::ScopedFakeTestPartResultReporter::INTERCEPT_ONLY_CURRENT_THREAD, &failures);
+        play(path, engine);
     }
+    EXPECT_GT(failures.size(), 0) << path << " needs no ordinary limits on the "
+                                  << engineName(engine);
+}
+
+void addCase(const std::string& suite, const fs::path& path, Engine engine) {
+    const std::string name = engineName(engine);
+    try {
+        const Expectations expectations = expectationsOf(readFile(path));
+        if (!expectations.runsOn(engine)) return;
+        if (!hasSmallLimits && expectations.needsSmallLimits) return;
+        if (hasSmallLimits && expectations.on(engine).needsOrdinaryLimits) {
+            return addTest(suite, name + "_needs_ordinary_limits", path,
+                           [=] { expectNeedOfOrdinaryLimits(path, engine); });
+        }
+    } catch (const BadExpectation&) {  // playing it reports what is wrong
+    }
+    addTest(suite, name, path, [=] { play(path, engine); });
 }
 
 }  // namespace
@@ -134,10 +156,7 @@ void registerLanguageCases() {
         for (const fs::path& path : filesUnder(fs::path("tests") / folder, ".pellum")) {
             const std::string suite = suiteName(path);
             if (!mayRun(suite + ".")) continue;
-            for (const Engine engine : bothEngines) {
-                if (!runsOn(path, engine)) continue;
-                addTest(suite, engineName(engine), path, [=] { play(path, engine); });
-            }
+            for (const Engine engine : bothEngines) addCase(suite, path, engine);
         }
     }
 }

@@ -77,13 +77,14 @@ private:
         line_ = comment.line;
         // The comment may begin with a remark, as in "# the loop ends # expect: 3".
         const std::string whole = "#" + std::string(comment.text);
-        for (const std::string_view word : {"# expect", "# input:", "# only"}) {
+        for (const std::string_view word : {"# expect", "# input:", "# only", "# needs"}) {
             const std::size_t at = whole.find(word);
             if (at == whole.npos) continue;
             Cursor cursor(comment.text.substr(at + 1));
             if (cursor.accept("expect")) return readExpectation(cursor);
             if (cursor.accept("input:")) return readInput(cursor);
             if (cursor.accept("only")) return readOnly(cursor);
+            if (cursor.accept("needs ")) return readNeed(cursor);
         }
     }
 
@@ -97,6 +98,21 @@ private:
         if (!cursor.rest().starts_with('(')) return;  // a remark that happens to begin like this
         expectations_.onlyEngine = acceptEngine(cursor);
         if (!expectations_.onlyEngine) fail("the engines are (tree) and (vm)");
+    }
+
+    void readNeed(Cursor& cursor) {
+        if (cursor.accept("ordinary limits")) {
+            const std::optional<Engine> engine = acceptEngine(cursor);
+            if (engine != Engine::Vm) expectations_.tree.needsOrdinaryLimits = true;
+            if (engine != Engine::Tree) expectations_.vm.needsOrdinaryLimits = true;
+        } else if (cursor.accept("small limits")) {
+            expectations_.needsSmallLimits = true;
+        } else {
+            return;  // a remark
+        }
+        colon(cursor);
+        cursor.skipBlanks();
+        if (cursor.rest().empty()) fail("the reason is missing");
     }
 
     void readExpectation(Cursor& cursor) {

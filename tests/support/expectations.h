@@ -35,13 +35,15 @@ struct ExpectedError {
 struct Wanted {
     std::vector<ExpectedLine> output;
     std::optional<ExpectedError> error;
+    bool needsOrdinaryLimits = false;  // it goes beyond the limits of a build with small ones
 };
 
 struct Expectations {
     Wanted tree, vm;
     std::string input;
     std::optional<Engine> onlyEngine;
-    bool areOneForBoth = true;  // nothing is said of one engine alone
+    bool areOneForBoth = true;      // nothing is expected of one engine alone
+    bool needsSmallLimits = false;  // it is about the limits of a build with small ones
 
     const Wanted& on(Engine engine) const { return engine == Engine::Tree ? tree : vm; }
     bool runsOn(Engine engine) const { return !onlyEngine || *onlyEngine == engine; }

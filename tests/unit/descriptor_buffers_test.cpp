@@ -63,10 +63,10 @@ TEST(OutputBuffer, WritesByItselfWhenItIsFull) {
     SmallPipe pipe;
     OutputBuffer buffer(pipe.writeEnd());
     std::ostream out(&buffer);
-    out << std::string(65535, 'x') << 'y';
+    out << std::string(bufferSize - 1, 'x') << 'y';
     EXPECT_EQ(pipe.contents(), "");
     out << 'z';
-    EXPECT_EQ(pipe.contents(), std::string(65535, 'x') + "y");
+    EXPECT_EQ(pipe.contents(), std::string(bufferSize - 1, 'x') + "y");
     out.flush();
     EXPECT_EQ(pipe.contents(), "z");
 }
@@ -89,7 +89,7 @@ TEST(OutputBuffer, ABufferThatCannotBeEmptiedFailsTheWriteThatFillsIt) {
     SmallPipe pipe;
     OutputBuffer buffer(pipe.readEnd());
     std::ostream out(&buffer);
-    out << std::string(65536, 'x');
+    out << std::string(bufferSize, 'x');
     EXPECT_TRUE(out.good());
     out << 'y';
     EXPECT_TRUE(out.bad());

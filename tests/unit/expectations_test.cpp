@@ -97,6 +97,18 @@ TEST(Expectations, ReadInputAndEngine) {
     EXPECT_TRUE(found.runsOn(Engine::Vm));
 }
 
+TEST(Expectations, ReadTheLimitsThatAreNeeded) {
+    const Expectations both = expectationsOf("# needs ordinary limits: room\n# expect nothing");
+    EXPECT_TRUE(both.tree.needsOrdinaryLimits);
+    EXPECT_TRUE(both.vm.needsOrdinaryLimits);
+    EXPECT_FALSE(both.needsSmallLimits);
+    const Expectations one =
+        expectationsOf("# needs ordinary limits (vm): room\n# needs no more\n# expect nothing");
+    EXPECT_FALSE(one.tree.needsOrdinaryLimits);
+    EXPECT_TRUE(one.vm.needsOrdinaryLimits);
+    EXPECT_TRUE(expectationsOf("# needs small limits: edges\n# expect: 1").needsSmallLimits);
+}
+
 TEST(Expectations, MistakesAreNamed) {
     EXPECT_EQ(lineOfMistake("print(1)\n# nothing of the kind"), 1U);
     EXPECT_EQ(lineOfMistake("\n# expects: 1"), 2U);
@@ -104,6 +116,8 @@ TEST(Expectations, MistakesAreNamed) {
     EXPECT_EQ(lineOfMistake("\n# expect error 1:2 no colon"), 2U);
     EXPECT_EQ(lineOfMistake("# expect error: a\n# expect error: b"), 2U);
     EXPECT_EQ(lineOfMistake("# expect: 1\n# only (wm)"), 2U);
+    EXPECT_EQ(lineOfMistake("# expect: 1\n# needs small limits"), 2U);
+    EXPECT_EQ(lineOfMistake("# expect: 1\n# needs ordinary limits:"), 2U);
 }
 
 TEST(Expectations, RenderDiagnostics) {

@@ -36,6 +36,14 @@ std::string list(std::size_t elements, const std::string& last = "nil") {
     return "[" + repeated("nil, ", elements - 1) + last + "]";
 }
 
+std::string text(std::size_t number) { return std::to_string(number); }
+
+// How many constants a function may have and how many values the stack may hold; the farthest jump
+// is a byte shorter.
+constexpr std::size_t edge = limit(65'536, 4'000);
+
+constexpr std::size_t maxCalls = limit(4'096, 400);
+
 constexpr const char* branchTooLarge = "branch too large";
 constexpr const char* loopTooLarge = "loop body too large";
 
@@ -45,37 +53,37 @@ std::string compileErrorAt(std::string_view place, std::string_view message) {
 
 TEST(Limits, ConstantsOfAFunction) {
     // The last one has the index 65,535.
-    const std::string full = repeated("1\n", 65'535) + "return 7\n";
+    const std::string full = repeated("1\n", edge - 1) + "return 7\n";
     MemoryConsole memory;
     EXPECT_EQ(ending([&] { return VM(memory.console).run(compileText(full)); }), "7");
     EXPECT_EQ(compiling(full + "1\n"), compileErrorAt("0:0", "too many constants"));
     // Names are constants as well, and are added before what they are bound to.
-    EXPECT_EQ(compiling(repeated("1\n", 65'535) + "let x = nil\n"), "");
-    EXPECT_EQ(compiling(repeated("1\n", 65'536) + "let x = nil\n"),
+    EXPECT_EQ(compiling(repeated("1\n", edge - 1) + "let x = nil\n"), "");
+    EXPECT_EQ(compiling(repeated("1\n", edge) + "let x = nil\n"),
               compileErrorAt("0:0", "too many constants"));
-    EXPECT_EQ(compiling(repeated("1\n", 65'535) + "let x = 1\n"),
+    EXPECT_EQ(compiling(repeated("1\n", edge - 1) + "let x = 1\n"),
               compileErrorAt("0:0", "too many constants"));
 }
 
 TEST(Limits, ConstantsAreCountedForEachFunction) {
-    const std::string many = repeated("1\n", 40'000);
+    const std::string many = repeated("1\n", edge / 8 * 5);
     EXPECT_EQ(onVm(many + "let f = function()\n" + many + "return 2\nend\nprint(f())"), "2\n");
-    const std::string full = repeated("1\n", 65'536);
+    const std::string full = repeated("1\n", edge);
     EXPECT_EQ(compiling(full + "(function()\n" + full + "end)"), "");
     EXPECT_EQ(compiling("nil\n(function()\n" + full + "2\nend)"),
               compileErrorAt("0:0", "too many constants"));
 }
 
-// A jump whose distance is 65,535 is accepted, one of 65,536 is not. Each branch jumps over a POP,
-// the statements, and the JUMP of the branch to the end.
+// A jump whose distance is `edge` - 1 is accepted, one of `edge` is not. Each branch jumps over a
+// POP, the statements, and the JUMP of the branch to the end.
 TEST(Limits, BranchOfAnIf) {
     const auto source = [](std::size_t size, const char* condition) {
         return "let c = " + std::string(condition) + "\n  if c then\n" + statements(size) +
                "end\nprint(\"end\")";
     };
-    EXPECT_EQ(onVm(source(65'531, "true")), "end\n");
-    EXPECT_EQ(onVm(source(65'531, "false")), "end\n");
-    EXPECT_EQ(compiling(source(65'532, "true")), compileErrorAt("2:3", branchTooLarge));
+    EXPECT_EQ(onVm(source(edge - 5, "true")), "end\n");
+    EXPECT_EQ(onVm(source(edge - 5, "false")), "end\n");
+    EXPECT_EQ(compiling(source(edge - 4, "true")), compileErrorAt("2:3", branchTooLarge));
 }
 
 TEST(Limits, BranchOfAnElse) {
@@ -84,9 +92,9 @@ TEST(Limits, BranchOfAnElse) {
                statements(size) + "print(\"else\")\nend\nprint(\"end\")";
     };
     const std::size_t print = 3 + 3 + 2 + 1;
-    EXPECT_EQ(onVm(source(65'534 - print, "true")), "then\nend\n");
-    EXPECT_EQ(onVm(source(65'534 - print, "nil")), "else\nend\n");
-    EXPECT_EQ(compiling(source(65'535 - print, "true")), compileErrorAt("2:1", branchTooLarge));
+    EXPECT_EQ(onVm(source(edge - 2 - print, "true")), "then\nend\n");
+    EXPECT_EQ(onVm(source(edge - 2 - print, "nil")), "else\nend\n");
+    EXPECT_EQ(compiling(source(edge - 1 - print, "true")), compileErrorAt("2:1", branchTooLarge));
 }
 
 TEST(Limits, BranchOfAnElif) {
@@ -96,9 +104,9 @@ TEST(Limits, BranchOfAnElif) {
         return "let c = " + std::string(condition) + "\nif c then\nelif not c then\n" +
                statements(size) + "end\nprint(\"end\")";
     };
-    EXPECT_EQ(onVm(source(65'522, "true")), "end\n");
-    EXPECT_EQ(onVm(source(65'522, "false")), "end\n");
-    EXPECT_EQ(compiling(source(65'523, "true")), compileErrorAt("2:1", branchTooLarge));
+    EXPECT_EQ(onVm(source(edge - 14, "true")), "end\n");
+    EXPECT_EQ(onVm(source(edge - 14, "false")), "end\n");
+    EXPECT_EQ(compiling(source(edge - 13, "true")), compileErrorAt("2:1", branchTooLarge));
 }
 
 TEST(Limits, RightSideOfAndAndOr) {
@@ -106,12 +114,12 @@ TEST(Limits, RightSideOfAndAndOr) {
         return "let c = " + std::string(left) + "\nlet x = c " + op + " " + list(elements) +
                "\nprint(type(x))";
     };
-    EXPECT_EQ(onVm(source(65'531, "true", "and")), "list\n");
-    EXPECT_EQ(onVm(source(65'531, "false", "and")), "bool\n");
-    EXPECT_EQ(compiling(source(65'532, "true", "and")), compileErrorAt("2:11", branchTooLarge));
-    EXPECT_EQ(onVm(source(65'531, "false", "or")), "list\n");
-    EXPECT_EQ(onVm(source(65'531, "true", "or")), "bool\n");
-    EXPECT_EQ(compiling(source(65'532, "true", "or")), compileErrorAt("2:11", branchTooLarge));
+    EXPECT_EQ(onVm(source(edge - 5, "true", "and")), "list\n");
+    EXPECT_EQ(onVm(source(edge - 5, "false", "and")), "bool\n");
+    EXPECT_EQ(compiling(source(edge - 4, "true", "and")), compileErrorAt("2:11", branchTooLarge));
+    EXPECT_EQ(onVm(source(edge - 5, "false", "or")), "list\n");
+    EXPECT_EQ(onVm(source(edge - 5, "true", "or")), "bool\n");
+    EXPECT_EQ(compiling(source(edge - 4, "true", "or")), compileErrorAt("2:11", branchTooLarge));
 }
 
 // LOOP goes back over the condition, JUMP_IF_FALSE, POP, the body, and itself. That is always
@@ -123,27 +131,27 @@ TEST(Limits, BodyOfAWhile) {
                "end end\nprint(\"end\")";
     };
     // The branch around the loop is nearly full as well.
-    EXPECT_EQ(onVm(source(65'520)), "end\n");
-    EXPECT_EQ(compiling(source(65'521)), compileErrorAt("2:1", branchTooLarge));
-    EXPECT_EQ(compiling(source(65'525)), compileErrorAt("2:1", branchTooLarge));
-    EXPECT_EQ(compiling(source(65'526)), compileErrorAt("2:11", loopTooLarge));
+    EXPECT_EQ(onVm(source(edge - 16)), "end\n");
+    EXPECT_EQ(compiling(source(edge - 15)), compileErrorAt("2:1", branchTooLarge));
+    EXPECT_EQ(compiling(source(edge - 11)), compileErrorAt("2:1", branchTooLarge));
+    EXPECT_EQ(compiling(source(edge - 10)), compileErrorAt("2:11", loopTooLarge));
     const auto alone = [](std::size_t size) {
         return "while true do\nbreak\n" + statements(size - 3) + "end\nprint(\"end\")";
     };
-    EXPECT_EQ(onVm(alone(65'527)), "end\n");
-    EXPECT_EQ(compiling(alone(65'528)), compileErrorAt("1:1", loopTooLarge));
-    EXPECT_EQ(compiling(alone(70'000)), compileErrorAt("1:1", loopTooLarge));
+    EXPECT_EQ(onVm(alone(edge - 9)), "end\n");
+    EXPECT_EQ(compiling(alone(edge - 8)), compileErrorAt("1:1", loopTooLarge));
+    EXPECT_EQ(compiling(alone(2 * edge)), compileErrorAt("1:1", loopTooLarge));
 }
 
 TEST(Limits, ContinueInALoop) {
     const auto source = [](std::size_t size) {
         return "  while true do\ncontinue\n" + statements(size) + "end";
     };
-    EXPECT_EQ(compiling(source(65'524)), "");
-    EXPECT_EQ(compiling(source(65'525)), compileErrorAt("1:3", loopTooLarge));
+    EXPECT_EQ(compiling(source(edge - 12)), "");
+    EXPECT_EQ(compiling(source(edge - 11)), compileErrorAt("1:3", loopTooLarge));
     // The jump of the continue is the first to be completed.
-    EXPECT_EQ(compiling(source(65'535)), compileErrorAt("1:3", loopTooLarge));
-    EXPECT_EQ(compiling(source(65'536)), compileErrorAt("1:3", branchTooLarge));
+    EXPECT_EQ(compiling(source(edge - 1)), compileErrorAt("1:3", loopTooLarge));
+    EXPECT_EQ(compiling(source(edge)), compileErrorAt("1:3", branchTooLarge));
 }
 
 TEST(Limits, BodyOfANumericFor) {
@@ -151,8 +159,8 @@ TEST(Limits, BodyOfANumericFor) {
     const auto source = [](std::size_t size) {
         return "for i = 1, 2 do\n" + statements(size) + "end\nprint(\"end\")";
     };
-    EXPECT_EQ(onVm(source(65'507)), "end\n");
-    EXPECT_EQ(compiling(source(65'508)), compileErrorAt("1:1", loopTooLarge));
+    EXPECT_EQ(onVm(source(edge - 29)), "end\n");
+    EXPECT_EQ(compiling(source(edge - 28)), compileErrorAt("1:1", loopTooLarge));
 }
 
 TEST(Limits, BodyOfAForIn) {
@@ -160,8 +168,8 @@ TEST(Limits, BodyOfAForIn) {
     const auto source = [](std::size_t size) {
         return "for x in \"ab\" do\n" + statements(size) + "end\nprint(\"end\")";
     };
-    EXPECT_EQ(onVm(source(65'498)), "end\n");
-    EXPECT_EQ(compiling(source(65'499)), compileErrorAt("1:1", loopTooLarge));
+    EXPECT_EQ(onVm(source(edge - 38)), "end\n");
+    EXPECT_EQ(compiling(source(edge - 37)), compileErrorAt("1:1", loopTooLarge));
 }
 
 TEST(Limits, BodyOfATry) {
@@ -170,8 +178,8 @@ TEST(Limits, BodyOfATry) {
         const std::size_t failing = 3 + 3 + 2 + 1;
         return "  try\n" + statements(size - failing) + "error(\"thrown\")\ncatch e\nprint(e)\nend";
     };
-    EXPECT_EQ(onVm(source(65'531)), "thrown\n");
-    EXPECT_EQ(compiling(source(65'532)), compileErrorAt("1:3", branchTooLarge));
+    EXPECT_EQ(onVm(source(edge - 5)), "thrown\n");
+    EXPECT_EQ(compiling(source(edge - 4)), compileErrorAt("1:3", branchTooLarge));
 }
 
 TEST(Limits, HandlerOfATry) {
@@ -180,9 +188,9 @@ TEST(Limits, HandlerOfATry) {
         return "try\n" + std::string(body) + "\ncatch e\n" + statements(size) +
                "end\nprint(\"end\")";
     };
-    EXPECT_EQ(onVm(source(65'534, "nil")), "end\n");
-    EXPECT_EQ(onVm(source(65'534, "error()")), "end\n");
-    EXPECT_EQ(compiling(source(65'535, "nil")), compileErrorAt("1:1", branchTooLarge));
+    EXPECT_EQ(onVm(source(edge - 2, "nil")), "end\n");
+    EXPECT_EQ(onVm(source(edge - 2, "error()")), "end\n");
+    EXPECT_EQ(compiling(source(edge - 1, "nil")), compileErrorAt("1:1", branchTooLarge));
 }
 
 TEST(Limits, CodeItselfMayBeLonger) {
@@ -265,18 +273,18 @@ TEST(Limits, ListAndMapCountsBeyondTheOperand) {
     EXPECT_EQ(operandBehind(*compileText(map(65'537)), 131'074), (Bytes{14, 0, 1}));
 }
 
-// 65,536 values on the stack, the function of each frame among them: the next push fails.
+// So many values on the stack, the function of each frame among them: the next push fails.
 
 TEST(Limits, ValuesOnTheStack) {
     // The script itself takes a slot.
     const auto source = [](std::size_t count) {
         return "\nlet xs = " + list(count) + "\nprint(len(xs))";
     };
-    EXPECT_EQ(onVm(source(65'535)), "65535\n");
-    EXPECT_EQ(onVm(source(65'536)), "runtime error 2:0: stack overflow");
+    EXPECT_EQ(onVm(source(edge - 1)), text(edge - 1) + "\n");
+    EXPECT_EQ(onVm(source(edge)), "runtime error 2:0: stack overflow");
     // The count would be cut to 1, but the code does not come so far.
-    EXPECT_EQ(onVm(source(65'537)), "runtime error 2:0: stack overflow");
-    EXPECT_EQ(onTree(source(65'537)), "65537\n");
+    EXPECT_EQ(onVm(source(edge + 1)), "runtime error 2:0: stack overflow");
+    EXPECT_EQ(onTree(source(edge + 1)), text(edge + 1) + "\n");
 }
 
 TEST(Limits, ValuesOnTheStackInAFunction) {
@@ -285,35 +293,35 @@ TEST(Limits, ValuesOnTheStackInAFunction) {
                "\nreturn len(xs)\nend\nprint(f(1))";
     };
     // Below the elements: the script, print, f, x and y.
-    EXPECT_EQ(onVm(source(65'531)), "65531\n");
-    EXPECT_EQ(onVm(source(65'532)), "runtime error 3:0: stack overflow");
+    EXPECT_EQ(onVm(source(edge - 5)), text(edge - 5) + "\n");
+    EXPECT_EQ(onVm(source(edge - 4)), "runtime error 3:0: stack overflow");
 }
 
 TEST(Limits, ArgumentsOnTheStack) {
     // Below the elements: the script, print, len.
     const auto source = [](std::size_t count) { return "print(len(" + list(count) + "))"; };
-    EXPECT_EQ(onVm(source(65'533)), "65533\n");
-    EXPECT_EQ(onVm(source(65'534)), "runtime error 1:0: stack overflow");
+    EXPECT_EQ(onVm(source(edge - 3)), text(edge - 3) + "\n");
+    EXPECT_EQ(onVm(source(edge - 2)), "runtime error 1:0: stack overflow");
     // The last value is an argument of the innermost call.
     const auto nested = [](std::size_t count) {
         return "let x = 5\nlet xs = " + list(count, "str(x)") + "\nprint(len(xs))";
     };
-    EXPECT_EQ(onVm(nested(65'534)), "65534\n");
-    EXPECT_EQ(onVm(nested(65'535)), "runtime error 2:0: stack overflow");
-    EXPECT_EQ(onTree(nested(65'535)), "65535\n");
+    EXPECT_EQ(onVm(nested(edge - 2)), text(edge - 2) + "\n");
+    EXPECT_EQ(onVm(nested(edge - 1)), "runtime error 2:0: stack overflow");
+    EXPECT_EQ(onTree(nested(edge - 1)), text(edge - 1) + "\n");
 }
 
 TEST(Limits, OperandsOnTheStack) {
     const auto source = [](std::size_t count) {
         return "let a = 1\nlet xs = " + list(count, "a + 1") + "\nprint(xs[-1])";
     };
-    EXPECT_EQ(onVm(source(65'534)), "2\n");
-    EXPECT_EQ(onVm(source(65'535)), "runtime error 2:0: stack overflow");
+    EXPECT_EQ(onVm(source(edge - 2)), "2\n");
+    EXPECT_EQ(onVm(source(edge - 1)), "runtime error 2:0: stack overflow");
     const auto comparison = [](std::size_t count) {
         return "let a = 1\nlet xs = " + list(count, "a < 2") + "\nprint(xs[-1])";
     };
-    EXPECT_EQ(onVm(comparison(65'534)), "true\n");
-    EXPECT_EQ(onVm(comparison(65'535)), "runtime error 2:0: stack overflow");
+    EXPECT_EQ(onVm(comparison(edge - 2)), "true\n");
+    EXPECT_EQ(onVm(comparison(edge - 1)), "runtime error 2:0: stack overflow");
 }
 
 TEST(Limits, CallbacksOnTheStack) {
@@ -324,20 +332,20 @@ TEST(Limits, CallbacksOnTheStack) {
                "\nprint(len(xs), xs[-1])";
     };
     // A native is pushed with its argument; a function of the program pushes its nil besides.
-    EXPECT_EQ(onVm(source(65'530, "str")), "65531 [\"1\"]\n");
-    EXPECT_EQ(onVm(source(65'531, "str")), "runtime error 0:0: stack overflow");
-    EXPECT_EQ(onVm(source(65'529, "f")), "65530 [nil]\n");
-    EXPECT_EQ(onVm(source(65'530, "f")), "runtime error 1:0: stack overflow");
-    EXPECT_EQ(onVm(source(65'531, "f")), "runtime error 0:0: stack overflow");
-    EXPECT_EQ(onTree(source(65'531, "str")), "65532 [\"1\"]\n");
+    EXPECT_EQ(onVm(source(edge - 6, "str")), text(edge - 5) + " [\"1\"]\n");
+    EXPECT_EQ(onVm(source(edge - 5, "str")), "runtime error 0:0: stack overflow");
+    EXPECT_EQ(onVm(source(edge - 7, "f")), text(edge - 6) + " [nil]\n");
+    EXPECT_EQ(onVm(source(edge - 6, "f")), "runtime error 1:0: stack overflow");
+    EXPECT_EQ(onVm(source(edge - 5, "f")), "runtime error 0:0: stack overflow");
+    EXPECT_EQ(onTree(source(edge - 5, "str")), text(edge - 4) + " [\"1\"]\n");
 }
 
 TEST(Limits, AStackOverflowIsCaughtAndTheProgramGoesOn) {
     // Below the elements: the script and the function.
-    const std::string source = "function tooLarge() return " + list(65'535) +
+    const std::string source = "function tooLarge() return " + list(edge - 1) +
                                " end\n"
                                "function large() return " +
-                               list(65'534) +
+                               list(edge - 2) +
                                " end\n"
                                "for i = 1, 3 do\n"
                                "try\n"
@@ -349,7 +357,8 @@ TEST(Limits, AStackOverflowIsCaughtAndTheProgramGoesOn) {
                                "end\n"
                                "let xs = large()\n"
                                "print(len(xs))";
-    EXPECT_EQ(onVm(source), "stack overflow 1 1\nstack overflow 2 1\nstack overflow 3 1\n65534\n");
+    EXPECT_EQ(onVm(source), "stack overflow 1 1\nstack overflow 2 1\nstack overflow 3 1\n" +
+                                text(edge - 2) + "\n");
 }
 
 TEST(Limits, ACaughtValueTakesASlot) {
@@ -362,11 +371,11 @@ TEST(Limits, ACaughtValueTakesASlot) {
                " end\n"
                "try\nlet xs = full()\nprint(xs[-1])\ncatch e\nprint(\"outer\", e)\nend";
     };
-    EXPECT_EQ(onVm(source(65'532)), "inner\n");
-    EXPECT_EQ(onVm(source(65'533)), "outer stack overflow\n");
+    EXPECT_EQ(onVm(source(edge - 4)), "inner\n");
+    EXPECT_EQ(onVm(source(edge - 3)), "outer stack overflow\n");
 }
 
-// At most 4,096 frames, the script's among them.
+// At most so many frames, the script's among them.
 
 constexpr const char* descending =
     "return function(n)\n"
@@ -378,31 +387,36 @@ constexpr const char* descending =
     "end";
 
 TEST(Limits, FramesOfACallFromOutside) {
-    const auto call = [](int depth) {
+    const auto call = [](std::size_t depth) {
         MemoryConsole memory;
         VM vm(memory.console);
         const Value f = vm.run(compileText(descending));
         return ending([&] { return callWith(vm, f, {Value(depth)}); });
     };
     // No script is running, and the outer function takes a frame.
-    EXPECT_EQ(call(4'095), "4095");
-    EXPECT_EQ(call(4'096), "runtime error 4:0: call stack overflow (too much recursion)");
+    EXPECT_EQ(call(maxCalls - 1), text(maxCalls - 1));
+    EXPECT_EQ(call(maxCalls), "runtime error 4:0: call stack overflow (too much recursion)");
 }
 
 TEST(Limits, FramesOfANestedCallFromANative) {
-    const auto source = [](int depth) {
+    // Every so many calls, one takes two frames, that of the callback included.
+    constexpr std::size_t period = limit(100, 10);
+    constexpr std::size_t deepest = limit(4'055, 363);
+    static_assert(1 + deepest + deepest / period == maxCalls);
+    const auto source = [](std::size_t depth) {
         return "function f(k)\n"
                "    if k == 1 then return [1] end\n"
-               "    if k % 100 == 0 then return map(function(x) return f(x)[0] + 1 end, [k - 1]) "
-               "end\n"
+               "    if k % " +
+               text(period) +
+               " == 0 then return map(function(x) return f(x)[0] + 1 end, [k - 1]) end\n"
                "    return [f(k - 1)[0] + 1]\n"
                "end\n"
                "print(f(" +
-               std::to_string(depth) + "))";
+               text(depth) + "))";
     };
-    // Every hundredth call takes two frames, that of the callback included.
-    EXPECT_EQ(onVm(source(4'055)), "[4055]\n");
-    EXPECT_EQ(onVm(source(4'056)), "runtime error 4:0: call stack overflow (too much recursion)");
+    EXPECT_EQ(onVm(source(deepest)), "[" + text(deepest) + "]\n");
+    EXPECT_EQ(onVm(source(deepest + 1)),
+              "runtime error 4:0: call stack overflow (too much recursion)");
 }
 
 // The frames of the host's stack are larger in a build with the address sanitizer.
@@ -414,9 +428,9 @@ TEST(Limits, FramesOfANestedCallFromANative) {
 #endif
 #endif
 #if defined(PELLUM_LARGE_FRAMES)
-constexpr int deepCalls = 5'000;
+constexpr int deepCalls = limit(5'000, 300);
 #else
-constexpr int deepCalls = 20'000;
+constexpr int deepCalls = limit(20'000, 300);
 #endif
 
 TEST(Limits, SumsTooLongForTheHostStack) {

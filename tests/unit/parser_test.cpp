@@ -4,6 +4,7 @@
 #include "lexer/lexer.h"
 #include "support/small_stack.h"
 #include "unit/tree_text.h"
+#include "value/limits.h"
 
 #include <gtest/gtest.h>
 
@@ -159,8 +160,9 @@ TEST(Parser, Literals) {
 }
 
 TEST(Parser, EqualTextsShareOneString) {
-    const std::string key(64, 'k');
-    const std::string longText(65, 'k');
+    constexpr std::size_t longest = limit(64, 3);
+    const std::string key(longest, 'k');
+    const std::string longText(longest + 1, 'k');
     const auto literal = [](const StmtPtr& stmt) -> const StringObj& {
         return as<LiteralExpr>(*as<ExprStmt>(*stmt).expr).value.asString();
     };
@@ -610,7 +612,7 @@ std::string nestedStrings(std::size_t depth) {
 }
 
 TEST(Parser, InterpolationsNestToADepth) {
-    constexpr std::size_t deepest = 1000;
+    constexpr std::size_t deepest = limit(1'000, 6);
     const Block program = parseSource(nestedStrings(deepest));
     EXPECT_EQ(program.size(), 1u);
     EXPECT_EQ(parseError(nestedStrings(deepest + 1)), "1:1 nesting too deep");

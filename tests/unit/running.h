@@ -15,7 +15,7 @@
 
 namespace pellum::test {
 
-inline Block parseText(std::string_view source) { return parse(tokenize(source)); }
+inline pellum::Block parseText(std::string_view source) { return parse(tokenize(source)); }
 inline Ref<FunctionProto> compileText(std::string_view source) {
     return compile(parseText(source));
 }
@@ -73,7 +73,7 @@ inline std::string onVm(std::string_view source) {
 
 inline std::string onTree(std::string_view source) {
     MemoryConsole memory;
-    const Block program = parseText(source);
+    const pellum::Block program = parseText(source);
     const std::string error = errorOf([&] { Interpreter(memory.console).run(program); });
     return memory.out.str() + error;
 }

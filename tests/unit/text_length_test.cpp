@@ -1,5 +1,6 @@
 // The length of a text, counted without making it.
 #include "value/format.h"
+#include "value/limits.h"
 #include "value/map.h"
 #include "value/string.h"
 
@@ -39,28 +40,35 @@ TEST(TextLength, IsThatOfTheText) {
     EXPECT_EQ(displayLength({}), 0u);
 }
 
+// As often as a text of it still fits into a string.
+constexpr int mostDoubled = limit(28, 10);
+
 TEST(TextLength, SharedPartsAreCountedAsOftenAsTheyAreShown) {
     for (const int times : {1, 2, 10}) {
         EXPECT_EQ(reprLength(doubled(times)), toReprString(doubled(times)).size());
     }
     // The last that fits and the first that does not.
-    EXPECT_EQ(reprLength(doubled(28)), 7ULL * (1 << 28) - 4);
-    EXPECT_THROW(reprLength(doubled(29)), std::length_error);
+    EXPECT_EQ(reprLength(doubled(mostDoubled)), 7ULL * (1 << mostDoubled) - 4);
+    EXPECT_THROW(reprLength(doubled(mostDoubled + 1)), std::length_error);
     EXPECT_THROW(reprLength(doubled(60)), std::length_error);
     EXPECT_THROW(toDisplayString(doubled(60)), std::length_error);
 }
 
 TEST(TextLength, LongStringsThatAreSharedAreCountedOnce) {
-    const Value text(std::string(1 << 20, '\n'));
-    const std::vector<Value> many(1000, text);
-    EXPECT_EQ(reprLength(listOf(many)), 1000ULL * ((2 << 20) + 2 + 2));
+    constexpr std::size_t length = limit(1 << 20, 4);
+    constexpr std::size_t count = limit(1000, 800);
+    const Value text(std::string(length, '\n'));
+    const std::vector<Value> many(count, text);
+    EXPECT_EQ(reprLength(listOf(many)), count * (2 * length + 2 + 2));
     EXPECT_THROW(reprLength(listOf(std::vector<Value>(1'000'000, text))), std::length_error);
 }
 
 TEST(TextLength, WhatHasBeenThereBeforeCounts) {
-    const Value list = listOf({doubled(28), doubled(25), doubled(22), doubled(19)});
-    EXPECT_GT(reprLength(list), maxStringLength - 1'000'000);
-    std::string out(1'000'000, 'x');
+    const Value list = listOf({doubled(mostDoubled), doubled(mostDoubled - 3),
+                               doubled(mostDoubled - 6), doubled(mostDoubled - 9)});
+    constexpr std::size_t before = limit(1'000'000, 2'000);
+    EXPECT_GT(reprLength(list), maxStringLength - before);
+    std::string out(before, 'x');
     EXPECT_THROW(appendDisplay(out, list), std::length_error);
 }
 
@@ -128,7 +136,7 @@ TEST(TextLength, IsThatOfTheTextInEveryTangle) {
     std::mt19937_64 random(577);
     for (int round = 0; round < 3000; ++round) {
         const bool hasCircles = round % 3 > 0;
-        const std::size_t count = 1 + random() % (hasCircles ? 6 : 12);
+        const std::size_t count = 1 + random() % (hasCircles ? 6 : limit(12, 7));
         const Tangle tangle(random, count, hasCircles ? 2 : 3, hasCircles);
         std::size_t together = 0;
         for (const Value& value : tangle.all) {
