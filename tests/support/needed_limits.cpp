@@ -44,6 +44,7 @@ constexpr Need needOrdinaryLimits[] = {
     {"docs/errors/operator_result_too_large_", "a string of 2^30 bytes"},
     {"docs/errors/pellum_path_is_longer_than_n_bytes_", "the message has the ordinary limit"},
     {"docs/errors/too_many_constants_", "a source of 131,074 bytes"},
+    {"docs/limits/running_on_the_virtual_machine_", "the ordinary number of calls"},
     {"examples/sieve.", "a list of 50,000 elements"},
 };
 
