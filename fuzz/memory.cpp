@@ -19,7 +19,7 @@ Budget budget;
 bool (*judge)() noexcept = nullptr;
 std::atomic<std::int64_t> blocks = 0;
 
-void* allocateOrNull(std::size_t size) noexcept {
+void* allocateOrNull(std::size_t size, std::size_t alignment = 1) noexcept {
     if (judge && !judge()) return nullptr;
     if (budget.isSet) {
         const auto wanted = static_cast<std::ptrdiff_t>(size);
@@ -28,7 +28,8 @@ void* allocateOrNull(std::size_t size) noexcept {
             return nullptr;
         }
     }
-    void* const memory = std::malloc(size ? size : 1);
+    void* const memory = alignment > alignof(std::max_align_t) ? std::aligned_alloc(alignment, size)
+                                                               : std::malloc(size ? size : 1);
     if (!memory) return nullptr;
     blocks.fetch_add(1, std::memory_order_relaxed);
     if (budget.isSet) {
@@ -37,8 +38,8 @@ void* allocateOrNull(std::size_t size) noexcept {
     return memory;
 }
 
-void* allocate(std::size_t size) {
-    void* const memory = allocateOrNull(size);
+void* allocate(std::size_t size, std::size_t alignment = 1) {
+    void* const memory = allocateOrNull(size, alignment);
     if (!memory) throw std::bad_alloc();
     return memory;
 }
@@ -60,12 +61,17 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
     return allocateOrNull(size);
 }
+// REQUIRES: the size is a multiple of the alignment.
+void* operator new(std::size_t size, std::align_val_t alignment) {
+    return allocate(size, static_cast<std::size_t>(alignment));
+}
 void operator delete(void* memory) noexcept { release(memory); }
 void operator delete[](void* memory) noexcept { release(memory); }
 void operator delete(void* memory, const std::nothrow_t&) noexcept { release(memory); }
 void operator delete[](void* memory, const std::nothrow_t&) noexcept { release(memory); }
 void operator delete(void* memory, std::size_t) noexcept { release(memory); }
 void operator delete[](void* memory, std::size_t) noexcept { release(memory); }
+void operator delete(void* memory, std::align_val_t) noexcept { release(memory); }
 
 namespace pellum::fuzz {
 

@@ -10,6 +10,9 @@
 
 #include <fcntl.h>
 #include <unistd.h>
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 
 namespace pellum {
 
@@ -114,9 +117,19 @@ void fillClosedStreams() noexcept {
     }
 }
 
+// Containers that grow give memory back and ask for more all the time. Handing each piece to the
+// system and having it cleared again may take as long as the work itself.
+void keepFreedMemory() noexcept {
+#if defined(__GLIBC__)
+    mallopt(M_MMAP_THRESHOLD, 4 << 20);
+    mallopt(M_TRIM_THRESHOLD, 64 << 20);
+#endif
+}
+
 }  // namespace
 
 void prepareProcess() noexcept {
+    keepFreedMemory();
     std::set_terminate(endOnTerminate);
     fillClosedStreams();
     raiseHostStackLimit();

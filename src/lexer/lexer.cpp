@@ -76,15 +76,24 @@ public:
     explicit Lexer(std::string_view source) noexcept : source_(source) {}
 
     std::vector<Token> run() {
-        // Code has a token for every three or four bytes; the bound is for texts that are not code.
-        constexpr int mostReserved = limit(1 << 16, 2);
-        tokens_.reserve(std::min<std::size_t>(source_.size() / 4 + 1, mostReserved));
+        makeRoom();
         while (!atEnd()) scan();
         add(TokenKind::EndOfFile, "");
         return std::move(tokens_);
     }
 
 private:
+    // Code has a token for every four bytes or so. Where so many find no room, fewer may do.
+    void makeRoom() {
+        constexpr int mostReserved = limit(1 << 24, 2);
+        const std::size_t expected = std::min<std::size_t>(source_.size() / 4 + 1, mostReserved);
+        try {
+            tokens_.reserve(expected);
+            preferLargePages(tokens_.data(), expected * sizeof(Token));
+        } catch (const std::bad_alloc&) {
+        }
+    }
+
     // blank  ::=  ? space, tab or carriage return ? | comment
     // Blanks may stand between any two tokens, and make none.
     void scan() {

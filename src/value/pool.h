@@ -10,6 +10,10 @@
 
 namespace pellum {
 
+// Asks the system to back what is about to be filled with large pages, where it has them: each page
+// that is touched for the first time costs as much as a thousand instructions.
+void preferLargePages(void* memory, std::size_t size) noexcept;
+
 #if defined(PELLUM_NO_POOLS)
 
 inline void* allocateCell(std::size_t size) { return ::operator new(size); }
@@ -20,7 +24,7 @@ inline std::size_t cellBlocks() noexcept { return 0; }
 
 namespace detail {
 
-inline constexpr std::size_t cellStep = 16;
+inline constexpr std::size_t cellStep = 8;
 inline constexpr std::size_t maxCellSize = 256;  // larger ones come from the system
 
 struct FreeCell {
@@ -34,7 +38,7 @@ void* allocateFreshCell(std::size_t size);
 
 }  // namespace detail
 
-// Memory for `size` bytes, aligned as `new` would. Throws std::bad_alloc.
+// Memory for `size` bytes, aligned for pointers and numbers. Throws std::bad_alloc.
 inline void* allocateCell(std::size_t size) {
     if (size <= detail::maxCellSize) {
         detail::FreeCell*& first =
