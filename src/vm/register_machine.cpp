@@ -468,6 +468,7 @@ advance : {
                 YIELD(*found)
             }
         }
+        goto index_plainly;
     }
 index_plainly:
     FORMS(

@@ -12,6 +12,9 @@
 
 namespace pellum {
 
+// Whether an instruction that points here means nil, true or false.
+bool isLiteral(const Value* pointer) noexcept;
+
 // Fills in the code of `code.proto`. `arms` are the addresses of the engine's arms by op, or null
 // where it has none.
 void translate(RegisterCode& code, Globals& globals, const void* const* arms);

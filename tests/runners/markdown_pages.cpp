@@ -6,6 +6,7 @@
 #include "support/playing.h"
 #include "support/registration.h"
 #include "support/text.h"
+#include "unit/register_code.h"
 #include "unit/tree_text.h"
 
 #include "compiler/compiler.h"
@@ -113,6 +114,9 @@ void registerProgram(const fs::path& page, const MarkdownProgram& program) {
         addView(suite, "syntax", page, program, inOneLine(*program.syntax), syntaxOf);
     }
     if (program.listing) addView(suite, "listing", page, program, *program.listing, listingOf);
+    if (program.registers) {
+        addView(suite, "registers", page, program, *program.registers, registerCodeOf);
+    }
 }
 
 void registerPage(const fs::path& page) {

@@ -47,6 +47,7 @@ struct Exemption {
 constexpr Exemption exemptions[] = {
     {"src/compiler/opcodes.h", "", "pictures of the stack, for readers"},
     {"src/compiler/disassembler.cpp", "", "listings"},
+    {"src/vm/register_listing.cpp", "", "listings"},
     {"src/driver/bench.cpp", "tree-walker: ", "the report of the benchmark"},
     {"src/driver/bench.cpp", " ms/run", "the report of the benchmark"},
     {"src/driver/bench.cpp", "bytecode VM: ", "the report of the benchmark"},

@@ -77,6 +77,8 @@ private:
             program().syntax = block_;
         } else if (info_ == "listing") {
             program().listing = block_;
+        } else if (info_ == "registers") {
+            program().registers = block_;
         } else {
             constexpr std::string_view modifier = " (beginning)";
             const bool isWhole = !info_.ends_with(modifier);

@@ -8,6 +8,7 @@
 //   ```tokens   what "pellum --tokens" says about it
 //   ```syntax   its tree, as tree_text.h writes it, in whatever lines
 //   ```listing  its bytecode, as the disassembler shows it
+//   ```registers  what the machine makes of the functions in it, each under its name
 //
 // Prose may stand between them. Without such a block the program only has to run without an error.
 // "(beginning)" behind "output", "tree" or "vm" means that more may follow. The program that
@@ -42,7 +43,7 @@ struct MarkdownProgram {
     bool isWriter = false;  // what it prints is the program
     std::string input;
     std::optional<MarkdownOutput> treeOutput, vmOutput;
-    std::optional<std::string> tokens, syntax, listing;
+    std::optional<std::string> tokens, syntax, listing, registers;
 };
 
 // A use of the command line, or a session at the prompt.
