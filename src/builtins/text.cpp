@@ -2,6 +2,7 @@
 
 #include "builtins/search.h"
 #include "value/format.h"
+#include "value/limits.h"
 
 #include <algorithm>
 #include <array>
@@ -76,8 +77,8 @@ public:
     }
 
 private:
-    static constexpr std::size_t longest = 24;
-    static constexpr std::size_t slots = 1024;
+    static constexpr std::size_t longest = limit(24, 3);
+    static constexpr std::size_t slots = limit(1024, 3);
 
     static std::size_t slotFor(std::string_view piece) noexcept {
         std::uint32_t hash = 0;
@@ -92,7 +93,7 @@ private:
 // at most. They are counted first where there may be too many.
 template <typename ForEach>
 Value listOfPieces(std::size_t length, std::size_t mostPossible, ForEach forEach) {
-    constexpr std::size_t worthSharing = 4'096;
+    constexpr std::size_t worthSharing = limit(4'096, 2);
     if (mostPossible > maxListLength) {
         std::size_t count = 0;
         forEach([&](std::string_view) { checkListLength(++count); });
