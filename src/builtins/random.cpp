@@ -38,9 +38,9 @@ Value randint(Caller&, Arguments args) {
     const std::int64_t high = truncatedArg(args[1], "randint");
     require(low <= high, "randint: low must be <= high");
     const std::uint64_t first = static_cast<std::uint64_t>(low);
+    // Never 2^64: the bounds come through doubles, whose largest below 2^63 is not 2^63 - 1.
     const std::uint64_t count = static_cast<std::uint64_t>(high) - first + 1;
-    const std::uint64_t offset = count == 0 ? draw() : drawBelow(count);  // 0 stands for 2^64
-    return Value(static_cast<std::int64_t>(first + offset));
+    return Value(static_cast<std::int64_t>(first + drawBelow(count)));
 }
 
 }  // namespace pellum::library

@@ -246,6 +246,23 @@ TEST(Random, DrawsFromTheWholeRangeOfIntegers) {
     EXPECT_EQ(outcome("randint", {Value(-1e300), Value(1e300)}), "-9223372036854775808");
 }
 
+// Where there are fewer than 2^64 results but more than half as many, plain scaling would give some
+// of them two of the generator's numbers and others one.
+TEST(Random, FavoursNoResult) {
+    __extension__ using Wide = unsigned __int128;
+    FakeCaller caller;
+    const Wide count = (Wide{3} << 62) - 511;
+    const auto firstNumberOf = [&](Wide result) { return ((result << 64) + count - 1) / count; };
+    int doubles = 0;
+    for (int i = 0; i < 3000; ++i) {
+        const Value drawn = caller.run("randint", {Value(-0x1p63), Value(0x1p62 - 512)});
+        const Wide result = static_cast<std::uint64_t>(drawn.asInt()) - (std::uint64_t{1} << 63);
+        if (firstNumberOf(result + 1) - firstNumberOf(result) == 2) ++doubles;
+    }
+    // They are a third of all results; scaling would give them half of the time.
+    EXPECT_NEAR(doubles, 1000, 250);
+}
+
 // Takes so many bytes, then fails.
 class ShortDevice : public std::streambuf {
 public:
