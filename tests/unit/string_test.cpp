@@ -127,6 +127,26 @@ TEST(String, TwoGrowthsOfOneStringDoNotMeet) {
     EXPECT_EQ(third->view(), text + "first!");
 }
 
+// Growing by a byte at a time must not copy what is there each time, whether others hold the shorter
+// strings or nobody does.
+TEST(String, ASumOfManyPiecesSeldomMoves) {
+    for (const bool isHeld : {false, true}) {
+        Ref<StringObj> sum = StringObj::make(std::string(129, 's'));
+        Ref<StringObj> held;
+        const char* place = sum->view().data();
+        int moves = 0;
+        for (int i = 0; i < 100'000; ++i) {
+            if (isHeld) held = sum;
+            sum = StringObj::concatenate(std::move(sum), "x");
+            if (sum->view().data() == place) continue;
+            place = sum->view().data();
+            ++moves;
+        }
+        EXPECT_EQ(sum->length(), 100'129u);
+        EXPECT_LT(moves, 30) << isHeld;  // each makes room for half as much again
+    }
+}
+
 TEST(String, APartOutlivesTheStringItGrewInto) {
     const std::string text(300, 'p');
     const Ref<StringObj> part = StringObj::make(text);
