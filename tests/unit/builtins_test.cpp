@@ -319,6 +319,29 @@ TEST(Console, ReadsLinesUntilTheEnd) {
     EXPECT_EQ(console.readLine(), std::nullopt);
 }
 
+TEST(Console, ALineStaysTheNextOneUntilItIsTaken) {
+    std::istringstream in("one\ntwo\n");
+    std::ostringstream out;
+    Console console(in, out);
+    EXPECT_EQ(console.nextLine(), "one");
+    EXPECT_EQ(console.nextLine(), "one");
+    EXPECT_EQ(console.readLine(), "one");
+    EXPECT_EQ(console.nextLine(), "two");
+    console.takeLine();
+    EXPECT_EQ(console.nextLine(), std::nullopt);
+}
+
+TEST(Console, WhatCannotBeReadIsTheEnd) {
+    class BrokenDevice : public std::streambuf {
+        int_type underflow() override { throw std::ios::failure("broken"); }
+    } device;
+    std::istream in(&device);
+    std::ostringstream out;
+    Console console(in, out);
+    EXPECT_EQ(console.readLine(), std::nullopt);
+    EXPECT_EQ(console.readLine(), std::nullopt);
+}
+
 TEST(Console, FlushesBeforeItWaits) {
     class CountsFlushes : public std::stringbuf {
     public:
