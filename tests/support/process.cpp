@@ -110,7 +110,8 @@ Outcome Process::run() const {
     const pid_t child = fork();
     if (child < 0) failWithErrno("fork");
     if (child == 0) {
-        signal(SIGPIPE, SIG_DFL);
+        // Whoever plays the tests in the background may ignore the others.
+        for (const int each : {SIGPIPE, SIGINT, SIGTERM, SIGHUP}) signal(each, SIG_DFL);
         const int output = file.isOpen() ? file.number() : out.writeEnd.number();
         dup2(in.readEnd.number(), STDIN_FILENO);
         dup2(output, STDOUT_FILENO);
