@@ -21,7 +21,6 @@ constexpr int timedRuns = 5;
 // Where the program's output goes: it is neither shown nor timed against a terminal.
 class Nowhere final : public std::streambuf {
     std::streamsize xsputn(const char*, std::streamsize count) override { return count; }
-    int_type overflow(int_type byte) override { return traits_type::not_eof(byte); }
 };
 
 // The mean time of a run in milliseconds, after one run that is not timed. Each run gets a console

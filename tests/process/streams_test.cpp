@@ -9,7 +9,9 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <signal.h>
+#include <stdlib.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -66,6 +68,44 @@ TEST(Streams, OutputThatDoesNotBlockIsComplete) {
         EXPECT_EQ(outcome.status, 1);
         EXPECT_TRUE(outcome.output == wanted);
         EXPECT_TRUE(outcome.errors == "Error: " + std::string(longest, 'y') + "\n");
+    }
+}
+
+// Opens the program's end of a new terminal and gives ours, or -1.
+int openTerminal(std::string& name) {
+    const int ours = posix_openpt(O_RDWR | O_NOCTTY);
+    if (ours < 0) return -1;
+    const char* theirs = grantpt(ours) == 0 && unlockpt(ours) == 0 ? ptsname(ours) : nullptr;
+    if (theirs) return name = theirs, ours;
+    close(ours);
+    return -1;
+}
+
+// Who watches a terminal sees each piece at once, although the program goes on.
+TEST(Streams, OutputToATerminalIsNotHeldBack) {
+    for (const Engine engine : bothEngines) {
+        std::string terminal;
+        const int ours = openTerminal(terminal);
+        if (ours < 0) GTEST_SKIP() << "this system has no terminals to give";
+        Process process = programOf(onEngine(engine, {"-c", "print(1)\nwhile true do end"}));
+        process.prepare = [&] {
+            const int theirs = open(terminal.c_str(), O_RDWR | O_NOCTTY);
+            return dup2(theirs, STDOUT_FILENO) == STDOUT_FILENO;
+        };
+        std::string seen;
+        process.started = [&](pid_t program) {
+            pollfd waited{ours, POLLIN, 0};
+            char bytes[16];
+            while (seen.find('\n') == seen.npos && poll(&waited, 1, 20'000) == 1) {
+                const ssize_t count = read(ours, bytes, sizeof bytes);
+                if (count <= 0) break;
+                seen.append(bytes, static_cast<std::size_t>(count));
+            }
+            kill(program, SIGKILL);
+        };
+        process.run();
+        close(ours);
+        EXPECT_EQ(seen, "1\r\n");
     }
 }
 

@@ -1,8 +1,11 @@
+#include "driver/run_main.h"
 #include "support/files.h"
 #include "support/playing.h"
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+#include <streambuf>
 #include <string>
 
 namespace pellum::test {
@@ -29,6 +32,19 @@ TEST(Bench, ReportsMillisecondsAndTheirRatio) {
     EXPECT_LT(machine, 5'000) << report;
     EXPECT_NEAR(numberBehind(report, "speedup:     "), tree / machine, 0.01 * tree / machine)
         << report;
+}
+
+TEST(Bench, AReportThatCannotBeWrittenIsNoErrorOfTheProgram) {
+    class FullDevice : public std::streambuf {
+    } device;
+    const TemporaryFolder folder;
+    const std::string program = folder.path() / "empty.pellum";
+    writeFile(program, "");
+    std::istringstream in;
+    std::ostream out(&device);
+    std::ostringstream errors;
+    EXPECT_EQ(runMain({"--bench", program}, in, out, errors), exitFailure);
+    EXPECT_EQ(errors.str(), "pellum: cannot write to standard output\n");
 }
 
 }  // namespace

@@ -40,6 +40,13 @@ TEST(IsIncomplete, BlocksThatAreOpen) {
                          "function f()\nif x then\nend\nend"});
 }
 
+TEST(IsIncomplete, InterpolationsNestedTooDeepAreNot) {
+    std::string deep = "1";
+    for (int depth = 0; depth < 1002; ++depth) deep = "\"${" + deep + "}\"";
+    expectNotIncomplete({deep});
+    expectIncomplete({"[" + deep});
+}
+
 TEST(IsIncomplete, OtherWordsDoNotCount) {
     expectNotIncomplete({"then", "do",      "else",    "elif",     "catch", "in",
                          "let",  "return",  "break",   "continue", "and",   "or",
