@@ -4,6 +4,7 @@ import argparse
 import collections
 import difflib
 import hashlib
+import json
 import os
 import random
 import resource
@@ -77,7 +78,8 @@ def fail(message):
 
 
 def copy_tree():
-    """Makes the scratch copy like the working tree; unchanged files keep their times."""
+    """Makes the scratch copy like the working tree; unchanged files keep their times. Gives a
+    digest of what it copied: of the sources, the tests and how they are built."""
     names = subprocess.run(["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard"],
                            cwd=ROOT, check=True, capture_output=True, text=True).stdout
     names = {name for name in names.split("\0") if name and os.path.isfile(f"{ROOT}/{name}")}
@@ -86,12 +88,16 @@ def copy_tree():
             path = os.path.join(folder, file)
             if os.path.relpath(path, TREE) not in names:
                 os.remove(path)
+    digest = hashlib.sha256()
     for name in sorted(names):
         with open(f"{ROOT}/{name}", "rb") as file:
             content = file.read()
+        if not name.startswith(("docs/", "script/")):
+            digest.update(f"{name} {len(content)} ".encode() + content)
         if name == "tests/CMakeLists.txt":
             content += QUICK_TESTS.encode()
         write_if_other(f"{TREE}/{name}", content)
+    return digest.hexdigest()
 
 
 def write_if_other(path, content):
@@ -201,6 +207,28 @@ def read(path):
         return file.read()
 
 
+class Ledger:
+    """The fates of all mutants of one state of the sources and tests, so that a run that was
+    interrupted goes on where it stood."""
+
+    def __init__(self, state):
+        self.path = os.path.join(SCRATCH, f"fates-{state[:16]}")
+        self.known = {}
+        if os.path.exists(self.path):
+            for line in read(self.path).splitlines():
+                *mutant, fate, remark = json.loads(line)
+                self.known[tuple(mutant)] = fate, remark
+
+    def fate(self, mutant, find):
+        """What is known of the mutant, otherwise what `find` finds."""
+        key = mutant.file, mutant.place.start, mutant.place.end, mutant.replacement
+        if key not in self.known:
+            self.known[key] = find(mutant)
+            with open(self.path, "a", encoding="utf-8") as file:
+                file.write(json.dumps([*key, *self.known[key]]) + "\n")
+        return self.known[key]
+
+
 class Trial:
     """The scratch copy, in which one mutant after the other is built and played."""
 
@@ -208,7 +236,7 @@ class Trial:
         self.sources = sources
         self.jobs = jobs
         self.mutated = None  # the file that differs from the original now
-        copy_tree()
+        self.ledger = Ledger(copy_tree())
         configure()
         self.limits = {stage: self.play_original(stage) for stage in STAGES}
         self.original = fingerprint()
@@ -282,7 +310,7 @@ def main():
     survivors = []
     for mutant in rounds(mutants, options.count, tally):
         source = sources[mutant.file]
-        fate, remark = trial.fate(mutant)
+        fate, remark = trial.ledger.fate(mutant, trial.fate)
         tally[fate] += 1
         report = (f"{mutant.file}:{mutant.line(source)}: {mutant.place.kind} {fate}"
                   f"{': ' + remark if remark else ''}\n{mutant.difference(source)}")
