@@ -1,10 +1,15 @@
 #include "driver/descriptor_buffers.h"
+#include "support/fifo_writer.h"
+#include "support/files.h"
 
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <signal.h>
+#include <sys/time.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <istream>
 #include <memory>
 #include <ostream>
@@ -123,6 +128,43 @@ TEST(InputBuffer, ReadsToTheEnd) {
     ASSERT_TRUE(std::getline(in, line));
     EXPECT_EQ(line, std::string(1000, 'x'));
     EXPECT_FALSE(std::getline(in, line));
+}
+
+// Interrupts whatever the process waits for, again and again.
+class Interruptions {
+public:
+    Interruptions() {
+        count = 0;
+        struct sigaction action {};
+        action.sa_handler = [](int) { count = count + 1; };
+        sigaction(SIGALRM, &action, &before_);
+        const itimerval often{{0, 5'000}, {0, 5'000}};
+        setitimer(ITIMER_REAL, &often, nullptr);
+    }
+    ~Interruptions() {
+        const itimerval never{};
+        setitimer(ITIMER_REAL, &never, nullptr);
+        sigaction(SIGALRM, &before_, nullptr);
+    }
+
+    inline static volatile std::sig_atomic_t count;
+
+private:
+    struct sigaction before_ {};
+};
+
+TEST(InputBuffer, AnInterruptionIsNotTheEnd) {
+    for (const int waiting : {0, O_NONBLOCK}) {
+        const TemporaryFolder folder;
+        const FifoWriter writer(folder.path() / "late", "x", 100);
+        const int fifo = open((folder.path() / "late").c_str(), O_RDONLY);
+        ASSERT_EQ(fcntl(fifo, F_SETFL, waiting), 0);
+        const auto buffer = std::make_unique<InputBuffer>(fifo);
+        const Interruptions interruptions;
+        EXPECT_EQ(buffer->sbumpc(), 'x');
+        EXPECT_GT(interruptions.count, 0);
+        close(fifo);
+    }
 }
 
 TEST(InputBuffer, WhatCannotBeReadIsTheEnd) {
