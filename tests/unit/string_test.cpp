@@ -127,8 +127,8 @@ TEST(String, TwoGrowthsOfOneStringDoNotMeet) {
     EXPECT_EQ(third->view(), text + "first!");
 }
 
-// Growing by a byte at a time must not copy what is there each time, whether others hold the shorter
-// strings or nobody does.
+// Growing by a byte at a time must not copy what is there each time, whether others hold the
+// shorter strings or nobody does.
 TEST(String, ASumOfManyPiecesSeldomMoves) {
     for (const bool isHeld : {false, true}) {
         Ref<StringObj> sum = StringObj::make(std::string(129, 's'));
