@@ -35,7 +35,10 @@ target_compile_definitions(quick_tests PRIVATE
 # Tests of the sources' text would notice a change without running it.
 ABOUT_TEXT = "Structure.*"
 QUICK = "lang/*:errors/*:builtins/*:listings/*"
-# What goes to the end of the host's stack, or to the largest sizes, takes most of the time.
+# What starts programs, plays many of them, or has them fail again and again, takes its time.
+OUTSIDE = ("cli/*:repl/*:Signals.*:Streams.*:Sources.*:Memory.*:*Agreement*:*Allocation*:*Fuzzing*:"
+           "StackCode.AgreesOnTheLanguage")
+# So does what goes to the end of the host's stack, or to the largest sizes.
 SLOW = "limits/*:repl/too_much_recursion*:Stack.*"
 
 
@@ -50,7 +53,9 @@ class Stage:
 
 STAGES = (
     Stage("quick", ("quick_tests", "pellum"), "quick_tests", QUICK),
-    Stage("others", ("pellum_tests", "pellum"), "pellum_tests", f"*-{QUICK}:{SLOW}:{ABOUT_TEXT}"),
+    Stage("units", ("pellum_tests", "pellum"), "pellum_tests",
+          f"*-{QUICK}:{OUTSIDE}:{SLOW}:{ABOUT_TEXT}"),
+    Stage("outside", ("pellum_tests", "pellum"), "pellum_tests", f"{OUTSIDE}-{SLOW}"),
     Stage("slow", ("pellum_tests", "pellum"), "pellum_tests", SLOW),
 )
 
@@ -208,24 +213,22 @@ def read(path):
 
 
 class Ledger:
-    """The fates of all mutants of one state of the sources and tests, so that a run that was
-    interrupted goes on where it stood."""
+    """What has been found out about one state of the sources and tests, so that a run that was
+    interrupted goes on where it stood: the fates of mutants, the time of the tests."""
 
     def __init__(self, state):
-        self.path = os.path.join(SCRATCH, f"fates-{state[:16]}")
+        self.path = os.path.join(SCRATCH, f"known-{state[:16]}")
         self.known = {}
         if os.path.exists(self.path):
-            for line in read(self.path).splitlines():
-                *mutant, fate, remark = json.loads(line)
-                self.known[tuple(mutant)] = fate, remark
+            self.known = dict(json.loads(line) for line in read(self.path).splitlines())
 
-    def fate(self, mutant, find):
-        """What is known of the mutant, otherwise what `find` finds."""
-        key = mutant.file, mutant.place.start, mutant.place.end, mutant.replacement
+    def about(self, subject, find):
+        """What is known of a mutant or a stage, otherwise what `find` finds."""
+        key = repr(subject)
         if key not in self.known:
-            self.known[key] = find(mutant)
+            self.known[key] = find(subject)
             with open(self.path, "a", encoding="utf-8") as file:
-                file.write(json.dumps([*key, *self.known[key]]) + "\n")
+                file.write(json.dumps([key, self.known[key]]) + "\n")
         return self.known[key]
 
 
@@ -238,8 +241,9 @@ class Trial:
         self.mutated = None  # the file that differs from the original now
         self.ledger = Ledger(copy_tree())
         configure()
-        self.limits = {stage: self.play_original(stage) for stage in STAGES}
+        self.build_or_fail(STAGES[0].targets)
         self.original = fingerprint()
+        self.limits = {stage: self.ledger.about(stage, self.play_original) for stage in STAGES}
 
     def play_original(self, stage):
         """How long the tests of a stage may take."""
@@ -310,7 +314,7 @@ def main():
     survivors = []
     for mutant in rounds(mutants, options.count, tally):
         source = sources[mutant.file]
-        fate, remark = trial.ledger.fate(mutant, trial.fate)
+        fate, remark = trial.ledger.about(mutant, trial.fate)
         tally[fate] += 1
         report = (f"{mutant.file}:{mutant.line(source)}: {mutant.place.kind} {fate}"
                   f"{': ' + remark if remark else ''}\n{mutant.difference(source)}")
