@@ -129,7 +129,7 @@ private:
                 continue;
             }
             if (isLabel(offset_) || !isFlowing_) {
-                if (!isLabel(offset_) && offset_ != 0) continue;
+                if (!isLabel(offset_)) continue;
                 loopStep_ = isFlowing_ ? stack_.constantOnTop() : nullptr;
                 if (isFlowing_) stack_.materializeAll();
                 stack_.reset(static_cast<std::size_t>(analysis_.depths[offset_]));
