@@ -118,7 +118,7 @@ Value capitalize(Caller&, Arguments args) {
     const std::string_view text = given.view();
     return Value(StringObj::build(text.size(), [&](char* to) {
         copyTo(to, text);
-        *to = upperByte(*to);
+        *to = upperByte(*to);  // no bytes are not written at all
     }));
 }
 

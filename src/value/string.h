@@ -20,8 +20,7 @@ public:
     // std::bad_alloc when memory is refused, as do all functions below that make strings.
     static Ref<StringObj> make(std::string_view text);
 
-    // A new string of `length` bytes, all of which `fill` writes from the pointer that it is given;
-    // for no bytes it is not called.
+    // A new string of `length` bytes, all of which `fill` writes from the pointer that it is given.
     template <typename Fill>
     static Ref<StringObj> build(std::size_t length, Fill fill) {
         if (length == 0) return empty();
