@@ -99,10 +99,20 @@ Trials::Trials(Call call, Handling handling) : call_(std::move(call)), handling_
     leavesCircles_ = result.leftBlocks != 0;
 }
 
+namespace {
+
+// The report of "--bench", of which no two are the same.
+bool isTimes(const Outcome& given) {
+    return given.status == 0 && given.errors.empty() && given.output.starts_with("tree-walker: ");
+}
+
+}  // namespace
+
 std::optional<std::string> Trials::judge(const Outcome& given, Failing failing) const {
     if (given.status != 0 && given.errors.empty()) return "a failure without a word";
     if (given.status < 0 || given.status > 2) return "a status that is none of 0, 1 and 2";
     if (given == normal_ || handling_ == Handling::Unknown) return std::nullopt;
+    if (isTimes(given) && isTimes(normal_)) return std::nullopt;
     if (handling_ == Handling::Shown || failing == Failing::FromThenOn) {
         const std::string all = given.output + given.errors;
         for (const char* word : {"out of memory", "bench: program raised an error"}) {
