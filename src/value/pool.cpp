@@ -18,9 +18,10 @@ constexpr std::size_t largePage = std::size_t{2} << 20;
 void preferLargePages([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t size) noexcept {
 #if defined(__linux__)
     const auto start = reinterpret_cast<std::uintptr_t>(memory);
-    const std::uintptr_t first = (start + largePage - 1) / largePage * largePage;
-    const std::uintptr_t end = (start + size) / largePage * largePage;
-    if (first < end) madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE);
+    const std::size_t skipped = (largePage - start % largePage) % largePage;
+    if (size < skipped + largePage) return;
+    const std::size_t covered = (size - skipped) / largePage * largePage;
+    madvise(static_cast<char*>(memory) + skipped, covered, MADV_HUGEPAGE);
 #endif
 }
 
