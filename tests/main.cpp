@@ -2,6 +2,8 @@
 // and two of its own:
 //   --update         rewrite expectations from what the programs print
 //   --list-for-ctest print all tests as commands for CTest, instead of running them
+//   --list-folders-for-ctest
+//                    likewise, but what stands in one folder of files as one command
 #include "runners/runners.h"
 #include "support/needed_limits.h"
 #include "support/registration.h"
@@ -11,8 +13,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <filesystem>
 #include <iostream>
+#include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,14 +36,41 @@ std::vector<std::string> allTests() {
     return names;
 }
 
+void addForCTest(const std::string& name, const std::string& filter) {
+    std::cout << "add_test([==[" << name << "]==] [==[" << pellum::test::executablePath()
+              << "]==] --gtest_brief=1 [==[--gtest_filter=" << filter << "]==])\n";
+}
+
 // Each test becomes a process of its own, so that a crash costs one test and all run in parallel.
 void listForCTest() {
-    const std::string executable = pellum::test::executablePath();
+    for (const std::string& name : allTests()) {
+        if (pellum::test::canRun(name)) addForCTest(name, pellum::test::filterFor(name));
+    }
+}
+
+// The folder of the file that the test was found in. None for tests that are compiled in, and for
+// those that use up so much that they had better be alone.
+std::optional<std::string> folderOf(const std::string& name) {
+    const std::string suite = name.substr(0, name.find('.'));
+    const std::size_t end = suite.rfind('/');
+    if (end == suite.npos || std::isupper(static_cast<unsigned char>(name[0]))) return std::nullopt;
+    std::string folder = suite.substr(0, end);
+    if (folder.find("limits") != folder.npos) return std::nullopt;
+    return folder;
+}
+
+// Where it is the start of a process that takes the time.
+void listFoldersForCTest() {
+    std::set<std::string> folders;
     for (const std::string& name : allTests()) {
         if (!pellum::test::canRun(name)) continue;
-        std::cout << "add_test([==[" << name << "]==] [==[" << executable
-                  << "]==] --gtest_brief=1 [==[--gtest_filter=" << pellum::test::filterFor(name)
-                  << "]==])\n";
+        const auto folder = folderOf(name);
+        if (!folder) {
+            addForCTest(name, pellum::test::filterFor(name));
+        } else if (folders.insert(*folder).second) {
+            const std::string inside = pellum::test::filterFor(*folder) + "/*";
+            addForCTest(*folder, inside + "-" + inside + "/*");
+        }
     }
 }
 
@@ -50,13 +82,15 @@ int main(int argc, char** argv) {
     // As the program does, so that recursion is as deep here as there.
     pellum::raiseHostStackLimit();
     testing::InitGoogleTest(&argc, argv);
-    bool lists = false;
+    void (*list)() = nullptr;
     for (int i = 1; i < argc; ++i) {
         const std::string_view argument = argv[i];
         if (argument == "--update") {
             setUpdatesExpectations(true);
         } else if (argument == "--list-for-ctest") {
-            lists = true;
+            list = listForCTest;
+        } else if (argument == "--list-folders-for-ctest") {
+            list = listFoldersForCTest;
         } else {
             std::cerr << "unknown option " << argument << "\n";
             return 2;
@@ -70,12 +104,12 @@ int main(int argc, char** argv) {
     registerCommandLineCases();
     registerListings();
     registerMarkdownPages();
-    if (lists) {
+    if (list) {
         if (const auto useless = uselessNeed(allTests())) {
             std::cerr << "no test begins with " << *useless << "\n";
             return 2;
         }
-        return listForCTest(), 0;
+        return list(), 0;
     }
     std::string& filter = testing::GTEST_FLAG(filter);
     filter = withoutWhatCannotRun(filter);

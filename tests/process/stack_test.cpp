@@ -13,43 +13,44 @@ namespace pellum::test {
 
 namespace {
 
-std::string times(int count, std::string_view piece) {
-    std::string text;
-    for (int i = 0; i < count; ++i) text += piece;
-    return text;
-}
-
 constexpr const char* stackLimits[] = {"stack 256K", "stack 1M", "stack unlimited"};
 
+// A piece that goes deeper each time it comes again.
 struct Deep {
     const char* what;
-    std::string source;
+    const char* before;
+    const char* piece;
+    const char* after;
+
+    std::string source() const {
+        std::string text = before;
+        for (int i = 0; i < 20'000; ++i) text += piece;
+        return text + after;
+    }
 };
 
-constexpr int levels = 20'000;
-
-const Deep deepSources[] = {
-    {"brackets", "let x = " + times(levels, "(") + "1"},
-    {"lists", "let x = " + times(levels, "[")},
-    {"maps", "let x = " + times(levels, "{a: ")},
-    {"calls", "let x = " + times(levels, "f(")},
-    {"indexes", "let x = " + times(levels, "x[")},
-    {"not", "let x = " + times(levels, "not ") + "1"},
-    {"minus", "let x = " + times(levels, "-") + "1"},
-    {"powers", "let x = 1" + times(levels, " ^ 1")},
-    {"sums", "let x = 1" + times(levels, " + 1")},
-    {"comparisons", "let x = 1" + times(levels, " == 1")},
-    {"or", "let x = nil" + times(levels, " or nil")},
-    {"chains of calls", "let f = nil\nf" + times(levels, "()")},
-    {"chains of fields", "let f = nil\nf" + times(levels, ".a")},
-    {"if", times(levels, "if true then ")},
-    {"elif", "if false then 1\n" + times(levels, "elif false then 1\n") + "end"},
-    {"while", times(levels, "while true do ")},
-    {"for", times(levels, "for i = 1, 2 do ")},
-    {"functions", times(levels, "function f() ")},
-    {"function values", "let x = " + times(levels, "function() return ")},
-    {"try", times(levels, "try ")},
-    {"strings in strings", "let x = \"" + times(levels, "${") + "\""},
+constexpr Deep deepSources[] = {
+    {"brackets", "let x = ", "(", "1"},
+    {"lists", "let x = ", "[", ""},
+    {"maps", "let x = ", "{a: ", ""},
+    {"calls", "let x = ", "f(", ""},
+    {"indexes", "let x = ", "x[", ""},
+    {"not", "let x = ", "not ", "1"},
+    {"minus", "let x = ", "-", "1"},
+    {"powers", "let x = 1", " ^ 1", ""},
+    {"sums", "let x = 1", " + 1", ""},
+    {"comparisons", "let x = 1", " == 1", ""},
+    {"or", "let x = nil", " or nil", ""},
+    {"chains of calls", "let f = nil\nf", "()", ""},
+    {"chains of fields", "let f = nil\nf", ".a", ""},
+    {"if", "", "if true then ", ""},
+    {"elif", "if false then 1\n", "elif false then 1\n", "end"},
+    {"while", "", "while true do ", ""},
+    {"for", "", "for i = 1, 2 do ", ""},
+    {"functions", "", "function f() ", ""},
+    {"function values", "let x = ", "function() return ", ""},
+    {"try", "", "try ", ""},
+    {"strings in strings", "let x = \"", "${", "\""},
 };
 
 // What deep nesting may lead to. Where it is no nesting to the parser, the program may well run.
@@ -76,9 +77,10 @@ Outcome play(const std::string& source, Engine engine, const char* limit) {
 
 TEST(Stack, DeepSources) {
     for (const Deep& deep : deepSources) {
+        const std::string source = deep.source();
         for (const Engine engine : bothEngines) {
             for (const char* limit : {"stack 256K", "stack 1M"}) {
-                const Outcome outcome = play(deep.source, engine, limit);
+                const Outcome outcome = play(source, engine, limit);
                 EXPECT_TRUE(isClean(outcome)) << deep.what << ", " << engineName(engine) << ", "
                                               << limit << ": status " << outcome.status << "\n"
                                               << outcome.errors.substr(0, 200);

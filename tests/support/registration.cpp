@@ -34,13 +34,17 @@ void addTest(const std::string& suite, const std::string& name, const std::files
 }
 
 bool mayRun(std::string_view beginning) {
-    const std::string& filter = testing::GTEST_FLAG(filter);
-    if (filter.find_first_of("*:-") != filter.npos) return true;
-    const auto matches = [](char wanted, char pattern) {
-        return pattern == '?' || pattern == wanted;
+    const std::string_view filter = testing::GTEST_FLAG(filter);
+    const std::string_view wanted = filter.substr(0, filter.find('-'));
+    if (wanted.empty() || wanted.find(':') != wanted.npos) return true;
+    const std::size_t star = wanted.find('*');
+    const std::size_t length = std::min(beginning.size(), star);
+    const auto matches = [](char given, char pattern) {
+        return pattern == '?' || pattern == given;
     };
-    return filter.size() >= beginning.size() &&
-           std::equal(beginning.begin(), beginning.end(), filter.begin(), matches);
+    return wanted.size() >= length &&
+           std::equal(beginning.begin(), beginning.begin() + static_cast<std::ptrdiff_t>(length),
+                      wanted.begin(), matches);
 }
 
 std::string suiteName(const std::filesystem::path& path) {

@@ -13,8 +13,8 @@ namespace pellum::test {
 void addTest(const std::string& suite, const std::string& name, const std::filesystem::path& file,
              std::function<void()> body);
 
-// False where the command line selects one single test, by its full name, and that name begins
-// differently. Lets a runner spare itself the search for tests that will not run.
+// False where the command line selects tests whose names all begin differently. Lets a runner spare
+// itself the search for tests that will not run.
 bool mayRun(std::string_view beginning);
 
 // `path` without its extension and without a leading "tests/", as the name of a suite.
