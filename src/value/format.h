@@ -18,8 +18,8 @@ void appendDisplay(std::string& out, const Value& value);
 void appendRepr(std::string& out, const Value& value);
 
 // How long the display forms of all `values` are together, and the repr form of one. That takes no
-// more time than the values are large, however often a text shows what they share; only where
-// containers hold each other in circles it takes as long as writing the text would.
+// more time than the values are large, however often a text shows what they share; where containers
+// hold each other in circles, each is walked once for each set of others it is shown in.
 std::size_t displayLength(std::span<const Value> values);
 std::size_t reprLength(const Value& value);
 

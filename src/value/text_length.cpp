@@ -29,7 +29,7 @@ std::size_t plainLength(const Value& value) {
 //
 // That is sound only where its text is the same everywhere. It is, unless a container can be
 // reached from itself: only then may one that is around it also be met inside it, and be cut short
-// there. Containers of that kind are walked as often as they are shown.
+// there. The length of such a container is remembered together with what stands around it.
 class LengthCounter {
 public:
     std::size_t length() const noexcept { return length_; }
@@ -58,7 +58,24 @@ private:
     struct Known {
         std::size_t depth = npos;  // its place among the open containers while it is one of them
         std::size_t length = 0;    // of its whole text, or 0 where that is not known
+        std::uint64_t mark = 0;    // of a container: its share of `surroundings_`
     };
+
+    // A container among certain open ones, by their marks.
+    struct Placed {
+        const Known* known;
+        std::uint64_t surroundings;
+
+        bool operator==(const Placed&) const = default;
+    };
+    struct HashOfPlaced {
+        std::size_t operator()(const Placed& placed) const noexcept {
+            return placed.surroundings ^ placed.known->mark * 3;
+        }
+    };
+
+    // Beyond this many the memory is worth more than the time.
+    static constexpr std::size_t maxPlaced = std::size_t{1} << 20;
 
     struct OpenContainer {
         const Value* container;
@@ -81,7 +98,13 @@ private:
                 open_.back().outermost = std::min(open_.back().outermost, known->depth);
                 return add(std::string_view("[...]").size());
             }
+            if (known->mark == 0) known->mark = scrambled(known_.size());
+            if (const auto found = placed_.find({known, surroundings_}); found != placed_.end()) {
+                if (!open_.empty()) open_.back().outermost = 0;  // or further in: nobody asks
+                return add(found->second);
+            }
             known->depth = open_.size();
+            surroundings_ ^= known->mark;
         }
         open_.push_back({&value, known, 0, length_, npos});
         add(1);
@@ -120,17 +143,33 @@ private:
         const std::size_t depth = open_.size();
         if (closed.known) {
             closed.known->depth = npos;
-            if (closed.outermost == npos) closed.known->length = length_ - closed.start;
+            surroundings_ ^= closed.known->mark;
+            const std::size_t length = length_ - closed.start;
+            if (closed.outermost == npos) {
+                closed.known->length = length;
+            } else if (placed_.size() < maxPlaced) {
+                placed_.emplace(Placed{closed.known, surroundings_}, length);
+            }
         }
         if (closed.outermost < depth) {
             open_.back().outermost = std::min(open_.back().outermost, closed.outermost);
         }
     }
 
+    // Spreads numbers over all bits, so that no two sets of marks are likely to have the same sum.
+    static std::uint64_t scrambled(std::uint64_t n) noexcept {
+        n *= 0x9E37'79B9'7F4A'7C15;
+        n = (n ^ n >> 30) * 0xBF58'476D'1CE4'E5B9;
+        n = (n ^ n >> 27) * 0x94D0'49BB'1331'11EB;
+        return n ^ n >> 31;
+    }
+
     std::size_t length_ = 0;
     const Object* root_ = nullptr;
     std::unordered_map<const Object*, Known> known_;
     std::vector<OpenContainer> open_;  // outermost first
+    std::uint64_t surroundings_ = 0;   // the marks of those that may recur, added without carry
+    std::unordered_map<Placed, std::size_t, HashOfPlaced> placed_;  // lengths of whole texts
 };
 
 }  // namespace
