@@ -193,6 +193,52 @@ TEST(RenderError, TheMessageIsCopiedAsItIs) {
               "    ^");
 }
 
+std::string onTerminal(std::uint32_t line, std::uint32_t column, std::string_view source) {
+    return renderError(RuntimeError("boom", line, column), source, "prog.plm", Look::Terminal);
+}
+
+// The last line, without the blanks below "1 | ".
+std::string caretLine(std::uint32_t column, std::string_view source) {
+    const std::string text = onTerminal(1, column, source);
+    return text.substr(text.rfind('\n') + 5);
+}
+
+TEST(RenderError, OnATerminalTheCaretStandsBelowWhatIsSeen) {
+    EXPECT_EQ(caretLine(1, "abc"), "^");
+    EXPECT_EQ(caretLine(3, "abc"), "  ^");
+    EXPECT_EQ(caretLine(0, "abc"), "^");
+    EXPECT_EQ(caretLine(6, "\ta\t\tb"), "\t \t\t ^");
+    EXPECT_EQ(caretLine(4, "é=x"), "  ^");
+    EXPECT_EQ(caretLine(4, "漢x"), "  ^");
+    EXPECT_EQ(caretLine(3, "\xFF\xFEx"), "  ^");
+    EXPECT_EQ(caretLine(6, "ab"), "     ^");
+    EXPECT_EQ(caretLine(3,
+                        "\xEF\xBB\xBF"
+                        "a=x"),
+              "  ^");
+}
+
+TEST(RenderError, OnATerminalNothingElseIsDifferent) {
+    const std::string source = "first\n  second()\r\nthird";
+    for (const std::uint32_t line : {0U, 1U, 2U, 3U, 4U}) {
+        EXPECT_EQ(onTerminal(line, 3, source), rendered(line, 3, source));
+    }
+    EXPECT_EQ(onTerminal(1, 1, ""), rendered(1, 1, ""));
+}
+
+TEST(RenderError, ColoursMarkKindPlaceAndCaret) {
+    const RuntimeError error("boom", 1, 2);
+    EXPECT_EQ(renderError(error, "a\tb", "n", Look::Coloured),
+              "\x1b[1;31mRuntimeError\x1b[0m: boom\n"
+              "  --> \x1b[36mn:1:2\x1b[0m\n"
+              "1 | a\tb\n"
+              "     \x1b[1;31m^\x1b[0m");
+    EXPECT_EQ(renderError(RuntimeError("boom"), "", "n", Look::Coloured),
+              "\x1b[1;31mRuntimeError\x1b[0m: boom");
+    EXPECT_EQ(renderThrown("a\nb", Look::Coloured), "\x1b[1;31mError\x1b[0m: a\nb");
+    EXPECT_EQ(renderThrown("a\nb"), "Error: a\nb");
+}
+
 }  // namespace
 
 }  // namespace pellum::test

@@ -61,9 +61,17 @@ struct ThrownValue {
     Value value;
 };
 
+// Where a diagnostic is going to be read. Plain counts bytes and knows nothing of tabs; at a
+// terminal the caret stands below what the eye sees at its place. Colours add nothing but colours.
+enum class Look { Plain, Terminal, Coloured };
+
 // The diagnostic for `error`, without a newline at its end: kind and message; the place, where it
 // is known; the line of `source` with a caret, where it exists. `source` is the complete text that
 // the error refers to, or empty; `name` is what the user calls it.
-std::string renderError(const PellumError& error, std::string_view source, std::string_view name);
+std::string renderError(const PellumError& error, std::string_view source, std::string_view name,
+                        Look look = Look::Plain);
+
+// The same for a value that the program has thrown, of which `text` is the display text.
+std::string renderThrown(std::string_view text, Look look = Look::Plain);
 
 }  // namespace pellum
