@@ -1,5 +1,7 @@
 #include "builtins/console.h"
 
+#include "value/interrupt.h"
+
 #include <cerrno>
 #include <istream>
 #include <ostream>
@@ -17,9 +19,16 @@ void throwIfFailed(const std::ostream& out) {
 }  // namespace
 
 void Console::write(std::string_view text) {
-    errno = 0;
-    out_.write(text.data(), static_cast<std::streamsize>(text.size()));
-    throwIfFailed(out_);
+    // In pieces, so that even a single long text can be stopped.
+    constexpr std::size_t pieceLength = std::size_t{1} << 16;
+    do {
+        stopIfInterrupted();
+        const std::string_view piece = text.substr(0, pieceLength);
+        errno = 0;
+        out_.write(piece.data(), static_cast<std::streamsize>(piece.size()));
+        throwIfFailed(out_);
+        text.remove_prefix(piece.size());
+    } while (!text.empty());
 }
 
 void Console::flush() {
@@ -28,7 +37,9 @@ void Console::flush() {
     throwIfFailed(out_);
 }
 
-std::optional<std::string_view> Console::nextLine() {
+std::optional<std::string_view> Console::nextLine(std::string_view prompt) {
+    if (lines_ && !isLineWhole_) return nextTypedLine(prompt);
+    if (!prompt.empty()) write(prompt);
     flush();
     if (isLineWhole_) return line_;
     if (!in_) return std::nullopt;
@@ -52,6 +63,18 @@ std::optional<std::string_view> Console::nextLine() {
         in_.setstate(std::ios::badbit);  // what cannot be read is the end as well
     }
     if (!in_ && line_.empty()) return std::nullopt;
+    isLineWhole_ = true;
+    return line_;
+}
+
+std::optional<std::string_view> Console::nextTypedLine(std::string_view prompt) {
+    // An editor has to know what stands before the line, and that is the last line of the prompt.
+    const std::size_t above = prompt.rfind('\n') + 1;
+    if (above > 0) write(prompt.substr(0, above));
+    flush();
+    std::optional<std::string> line = lines_->readLine(prompt.substr(above));
+    if (!line) return std::nullopt;
+    line_ = std::move(*line);
     isLineWhole_ = true;
     return line_;
 }

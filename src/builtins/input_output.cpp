@@ -48,9 +48,10 @@ Value print(Caller& caller, Arguments args) {
 
 Value input(Caller& caller, Arguments args) {
     Console& console = caller.console();
-    if (!args.empty()) console.write(DisplayText(args[0]).view());
+    std::optional<DisplayText> prompt;
+    if (!args.empty()) prompt.emplace(args[0]);
     try {
-        const std::optional<std::string_view> line = console.nextLine();
+        const auto line = console.nextLine(prompt ? prompt->view() : std::string_view());
         Value result = line ? Value(*line) : Value();
         console.takeLine();
         return result;

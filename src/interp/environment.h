@@ -22,6 +22,12 @@ public:
     // The pointer is valid until that scope next defines a name.
     Value* lookup(const Symbol& name) noexcept;
 
+    // Calls `visit` with the name and the value of each binding of this very scope.
+    template <typename Visit>
+    void forEach(Visit visit) const {
+        for (const Binding& binding : bindings_) visit(binding.name->view(), binding.value);
+    }
+
     // Forgets all bindings of this scope, so that an iteration can reuse what nobody has captured.
     void clear() noexcept;
 

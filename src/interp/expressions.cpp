@@ -3,6 +3,7 @@
 #include "interp/support.h"
 
 #include "operations/operations.h"
+#include "value/interrupt.h"
 #include "value/map.h"
 
 #include <iterator>
@@ -116,6 +117,7 @@ Value Interpreter::call(const Value& callee, Arguments args) {
 
 Value Interpreter::callValue(const Value& callee, Arguments args, Position at) {
     checkHostStack(at);
+    stopIfInterrupted();
     switch (callee.kind()) {
         case ValueKind::Native:
             return callNative(static_cast<const NativeObj&>(callee.asFunction()), *this, args, at);

@@ -20,10 +20,12 @@ public:
     // Runs the statements in the global scope. Yields the value of the last one when it is an
     // expression statement, else nil; a `return` outside functions ends the program with nil.
     // REQUIRES: the program outlives this and every function value made from it. Throws
-    // RuntimeError and ThrownValue.
+    // RuntimeError and ThrownValue, and Interrupted where that is asked for (value/interrupt.h).
     Value run(const Block& program);
 
     Value call(const Value& callee, Arguments args) override;
+
+    const Environment& globals() const noexcept { return *globals_; }
 
 private:
     // How a statement ended.

@@ -4,6 +4,7 @@
 
 #include "builtins/builtins.h"
 #include "operations/operations.h"
+#include "value/interrupt.h"
 #include "value/number.h"
 
 #include <algorithm>
@@ -156,6 +157,7 @@ Interpreter::Completion Interpreter::execIf(const IfStmt& stmt, Environment& sco
 // Runs a loop's body once. Signals out of functions that the body calls are caught here.
 Interpreter::Completion Interpreter::execIteration(const Block& body, Environment& scope,
                                                    Exit& exit) {
+    stopIfInterrupted();
     try {
         return execStatements(body, scope, exit);
     } catch (const BreakSignal&) {

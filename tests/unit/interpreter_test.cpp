@@ -1,5 +1,7 @@
 #include "unit/running.h"
 
+#include "value/interrupt.h"
+
 #include <gtest/gtest.h>
 
 #include <list>
@@ -181,6 +183,21 @@ TEST(Interpreter, KnowsNoOtherCompoundOperators) {
     program.push_back(std::move(assign));
     EXPECT_EQ(prompt.runTree(std::move(program)), "runtime error 4:9: unknown operator **");
     EXPECT_EQ(prompt.run("x"), "1");
+}
+
+TEST(Interpreter, StopsWhereThatIsAskedFor) {
+    Prompt prompt;
+    EXPECT_EQ(prompt.run("let n = 0\nfunction f() n += 1 end\nlet ask = 0"), "nil");
+    for (const char* source :
+         {"while true do end", "for i = 1, 1e300 do end", "for x in [1] do n += 1 end", "f()",
+          "map(f, [1])", "len(\"\")", "try f() catch e n += 1 end",
+          "sort([2, 1], function(a, b) return f() end)", "print(1)"}) {
+        interruptIsWanted = true;
+        EXPECT_THROW(prompt.value(source), Interrupted) << source;
+        EXPECT_FALSE(interruptIsWanted);
+    }
+    EXPECT_EQ(prompt.run("f()\nn"), "1");
+    EXPECT_EQ(prompt.printed(), "");
 }
 
 }  // namespace

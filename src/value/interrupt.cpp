@@ -1,0 +1,10 @@
+#include "value/interrupt.h"
+
+namespace pellum {
+
+void throwInterrupted() {
+    interruptIsWanted = false;
+    throw Interrupted();
+}
+
+}  // namespace pellum
