@@ -103,6 +103,7 @@ int main(int argc, char** argv) {
     registerTranscripts();
     registerCommandLineCases();
     registerListings();
+    registerTerminalSessions();
     registerMarkdownPages();
     if (list) {
         if (const auto useless = uselessNeed(allTests())) {

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include <fcntl.h>
+#include <termios.h>
 #include <unistd.h>
 #if defined(__GLIBC__)
 #include <malloc.h>
@@ -40,7 +41,21 @@ void unblock(int signal) noexcept {
     sigprocmask(SIG_UNBLOCK, &set, nullptr);
 }
 
+void (*volatile actionBeforeEnd)() noexcept = nullptr;
+
+void beforeForcedEnd() noexcept {
+    if (actionBeforeEnd) actionBeforeEnd();
+}
+
+bool isTerminal(int stream) noexcept {
+    termios attributes;
+    return tcgetattr(stream, &attributes) == 0;  // isatty is not for signal handlers
+}
+
 [[noreturn]] void endBySignal(int signal) noexcept {
+    beforeForcedEnd();
+    // The terminal has written "^C", and maybe something that stands before it.
+    if (signal == SIGINT && isTerminal(STDERR_FILENO)) say("\npellum: interrupted\n");
     if (signal == SIGXCPU) {
         say("pellum: out of processor time\n");
         _exit(exitFailure);
@@ -105,6 +120,7 @@ void handleEndingSignals() noexcept {
         problem = "pellum: internal error\n";
     }
     if (output && !output->isWriting()) output->drain();
+    beforeForcedEnd();
     say(problem);
     _exit(exitFailure);
 }
@@ -136,6 +152,8 @@ void prepareProcess() noexcept {
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
 }
+
+void onForcedEnd(void (*action)() noexcept) noexcept { actionBeforeEnd = action; }
 
 StandardStreams::StandardStreams()
     : outBuffer_(STDOUT_FILENO),

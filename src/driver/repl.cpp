@@ -1,10 +1,13 @@
 #include "driver/repl.h"
 
+#include "driver/completion.h"
 #include "driver/source.h"
+#include "driver/terminal_mode.h"
 #include "interp/interpreter.h"
 #include "lexer/lexer.h"
 #include "parser/parser.h"
 #include "value/format.h"
+#include "value/interrupt.h"
 
 #include <deque>
 
@@ -57,24 +60,47 @@ void checkInterpolations(const std::vector<Token>& tokens, int depth = 0) {
 
 class Repl {
 public:
-    explicit Repl(Session& session) : session_(session), interpreter_(session.console) {}
+    explicit Repl(Session& session) : session_(session), interpreter_(session.console) {
+        if (!reader_) return;
+        reader_->completeWith([this](std::string_view before) {
+            return completionOf(pending_ + "\n" + std::string(before), interpreter_.globals());
+        });
+    }
 
     ExitStatus run() {
         session_.console.write("Pellum " + std::string(version) +
                                "  --  type Ctrl-D (or 'exit') to quit\n");
+        std::optional<InterruptsStopPrograms> stopping;
+        if (reader_) stopping.emplace();
         for (;;) {
-            session_.console.write(openConstructs_ > 0 ? continuedPrompt : freshPrompt);
-            const auto line = session_.console.readLine();
-            if (!line) {
-                session_.console.write("\n");
-                return exitSuccess;
+            try {
+                const auto line = readLine();
+                if (!line) {
+                    session_.console.write("\n");
+                    return exitSuccess;
+                }
+                if (pending_.empty() && (*line == "exit" || *line == "quit")) return exitSuccess;
+                takeLine(*line);
+            } catch (const Interrupted&) {
+                reader_->endInterruptedLine();
+                forgetInput();
             }
-            if (pending_.empty() && (*line == "exit" || *line == "quit")) return exitSuccess;
-            takeLine(*line);
         }
     }
 
 private:
+    std::optional<std::string> readLine() {
+        const std::string_view prompt = openConstructs_ > 0 ? continuedPrompt : freshPrompt;
+        if (reader_) return reader_->readInput(prompt);
+        session_.console.write(prompt);
+        return session_.console.readLine();
+    }
+
+    void forgetInput() {
+        pending_.clear();
+        openConstructs_ = 0;
+    }
+
     void takeLine(const std::string& line) {
         const std::size_t start = pending_.size();
         if (start > 0) pending_ += '\n';
@@ -86,6 +112,7 @@ private:
             } else if (staysOpen(std::string_view(pending_).substr(start))) {
                 return;
             } else {
+                if (reader_ && !pending_.empty()) reader_->remember(pending_);
                 runInput(parse(tokenize(pending_)));
             }
         } catch (const PellumError& error) {
@@ -93,8 +120,7 @@ private:
         } catch (const std::exception& failure) {
             session_.complain(failure);
         }
-        pending_.clear();
-        openConstructs_ = 0;
+        forgetInput();
     }
 
     // Whether the input is open behind its newest line. No token reaches over the end of a line, so
@@ -119,6 +145,9 @@ private:
             session_.diagnose(error, "", sourceName);
         } catch (const ThrownValue& thrown) {
             session_.diagnose(thrown);
+        } catch (const Interrupted&) {
+            reader_->endInterruptedLine();
+            session_.complain("interrupted");
         } catch (const std::exception& failure) {
             session_.complain(failure);
         }
@@ -127,6 +156,7 @@ private:
     }
 
     Session& session_;
+    PromptReader* const reader_ = session_.promptReader();
     std::deque<Block> programs_;  // of inputs that make functions, which point into these
     Interpreter interpreter_;
     std::string pending_;              // the input so far, while a statement is open

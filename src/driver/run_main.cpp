@@ -101,8 +101,9 @@ ExitStatus runMode(std::vector<std::string> args, Session& session) {
 
 }  // namespace
 
-int runMain(std::vector<std::string> args, std::istream& in, std::ostream& out, std::ostream& err) {
-    Session session(in, out, err);
+int runMain(std::vector<std::string> args, std::istream& in, std::ostream& out, std::ostream& err,
+            Terminal terminal) {
+    Session session(in, out, err, terminal);
     try {
         try {
             const ExitStatus status = runMode(std::move(args), session);

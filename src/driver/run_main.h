@@ -2,6 +2,8 @@
 // each can be tested in process as well as from outside.
 #pragma once
 
+#include "driver/terminal.h"
+
 #include <iosfwd>
 #include <string>
 #include <vector>
@@ -16,6 +18,7 @@ enum ExitStatus : int {
 
 // Runs the program with `args` (without the program's own name) and returns its exit status.
 // Program output goes to `out`, diagnostics to `err`. Throws nothing.
-int runMain(std::vector<std::string> args, std::istream& in, std::ostream& out, std::ostream& err);
+int runMain(std::vector<std::string> args, std::istream& in, std::ostream& out, std::ostream& err,
+            Terminal terminal = {});
 
 }  // namespace pellum

@@ -24,11 +24,11 @@ void Session::complain(const std::exception& failure) {
 }
 
 void Session::diagnose(const PellumError& error, std::string_view source, std::string_view name) {
-    diagnose(renderError(error, source, name));
+    diagnose(renderError(error, source, name, terminal_.diagnostics));
 }
 
 void Session::diagnose(const ThrownValue& thrown) {
-    diagnose("Error: " + toDisplayString(thrown.value));
+    diagnose(renderThrown(toDisplayString(thrown.value), terminal_.diagnostics));
 }
 
 }  // namespace pellum

@@ -3,6 +3,7 @@
 
 #include "builtins/console.h"
 #include "driver/errors/errors.h"
+#include "driver/terminal.h"
 
 #include <exception>
 #include <iosfwd>
@@ -15,8 +16,10 @@ inline constexpr std::string_view version = "6";
 
 class Session {
 public:
-    Session(std::istream& in, std::ostream& out, std::ostream& err) noexcept
-        : console(in, out), input(in), err_(err) {}
+    Session(std::istream& in, std::ostream& out, std::ostream& err, Terminal terminal = {}) noexcept
+        : console(in, out), input(in), err_(err), terminal_(terminal) {
+        if (terminal_.prompt) console.readFrom(*terminal_.prompt);
+    }
 
     // Writes a line to standard error, behind all output that came before it.
     void diagnose(std::string_view line) { writeLine("", line); }
@@ -28,6 +31,9 @@ public:
     void diagnose(const PellumError& error, std::string_view source, std::string_view name);
     void diagnose(const ThrownValue& thrown);
 
+    // Reads the prompt's lines at a terminal; null elsewhere.
+    PromptReader* promptReader() const noexcept { return terminal_.prompt; }
+
     Console console;
     std::istream& input;
 
@@ -35,6 +41,7 @@ private:
     void writeLine(std::string_view beginning, std::string_view rest);
 
     std::ostream& err_;
+    Terminal terminal_;
 };
 
 }  // namespace pellum

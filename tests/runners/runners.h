@@ -13,6 +13,7 @@ void registerBenchmarks();        // bench/programs, bench/scaling
 void registerTranscripts();       // tests/repl/*.transcript
 void registerCommandLineCases();  // tests/cli/*.case
 void registerListings();          // tests/listings/*.listing
+void registerTerminalSessions();  // tests/terminal/**/*.session
 void registerMarkdownPages();     // README.md, docs/*.md
 
 // Registers a use of the command line, in the form of tests/cli, which stands in `file` at `line`.

@@ -53,7 +53,6 @@ constexpr Exemption exemptions[] = {
     {"src/driver/bench.cpp", "bytecode VM: ", "the report of the benchmark"},
     {"src/driver/bench.cpp", "speedup:     ", "the report of the benchmark"},
     {"src/driver/errors/errors.h", "SyntaxError (lexing)", "a kind"},
-    {"src/driver/session.cpp", "Error: ", "a kind"},
     {"src/driver/repl.cpp", "  --  type Ctrl-D (or 'exit') to quit", "the greeting"},
     {"src/value/format.cpp", "<native function ", "how a function is shown"},
     {"src/value/format.cpp", "<function ", "how a function is shown"},

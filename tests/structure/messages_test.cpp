@@ -50,7 +50,7 @@ std::string expectedTexts() {
             texts += std::string(comment.text) + "\n";
         }
     }
-    for (const char* extension : {".transcript", ".case", ".listing"}) {
+    for (const char* extension : {".transcript", ".case", ".listing", ".session"}) {
         for (const auto& file : filesUnder("tests", extension)) texts += readFile(file) + "\n";
     }
     for (const auto& page : markdownPages()) {

@@ -1,10 +1,16 @@
+#include "builtins/console.h"
 #include "driver/repl.h"
+#include "driver/run_main.h"
 #include "driver/source.h"
 #include "support/playing.h"
+#include "value/interrupt.h"
 #include "value/limits.h"
 
 #include <gtest/gtest.h>
 
+#include <deque>
+#include <optional>
+#include <sstream>
 #include <string>
 #include <string_view>
 
@@ -108,6 +114,78 @@ TEST(Repl, AnInputThatIsTooLongIsForgotten) {
               "pellum: input longer than " + std::to_string(maxSourceLength) + " bytes\n");
     EXPECT_TRUE(outcome.output.ends_with(".. >> 2\n>> \n"));
     EXPECT_EQ(outcome.status, 0);
+}
+
+// Somebody who types Ctrl-C once more whenever it has been answered.
+class ImpatientReader final : public PromptReader {
+public:
+    explicit ImpatientReader(std::deque<std::optional<std::string>> lines)
+        : lines_(std::move(lines)) {}
+
+    std::optional<std::string> readLine(std::string_view) override {
+        std::optional<std::string> line = std::move(lines_.front());
+        lines_.pop_front();
+        if (line == "^C") throw Interrupted();
+        return line;
+    }
+    std::optional<std::string> readInput(std::string_view prompt) override {
+        return readLine(prompt);
+    }
+    void remember(std::string_view input) override { remembered += std::string(input) + ";"; }
+    void completeWith(Completer) override {}
+    void endInterruptedLine() override {
+        ++interrupts;
+        interruptIsWanted = true;
+    }
+
+    std::string remembered;
+    int interrupts = 0;
+
+private:
+    std::deque<std::optional<std::string>> lines_;  // none stands for Ctrl-D
+};
+
+Outcome playWith(ImpatientReader& reader) {
+    std::istringstream in;
+    std::ostringstream out, errors;
+    Outcome outcome;
+    outcome.status = runMain({}, in, out, errors, {&reader, Look::Plain});
+    interruptIsWanted = false;
+    outcome.output = out.str();
+    outcome.errors = errors.str();
+    return outcome;
+}
+
+TEST(Repl, GoesOnHoweverManyInterruptsCome) {
+    ImpatientReader reader({"^C", "1", "while true do end", "input()", "^C", std::nullopt, "2",
+                            "function f()", "^C", "1)", "exit"});
+    const Outcome outcome = playWith(reader);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.output, "Pellum 6  --  type Ctrl-D (or 'exit') to quit\n");
+    EXPECT_EQ(outcome.errors,
+              "pellum: interrupted\npellum: interrupted\npellum: interrupted\n"
+              "pellum: interrupted\n"
+              "SyntaxError: expected end of statement, got ')'\n  --> <repl>:1:2\n1 | 1)\n"
+              "     ^\n");
+    EXPECT_EQ(reader.remembered, "1;while true do end;input();2;1);");
+    EXPECT_EQ(reader.interrupts, 8);
+}
+
+TEST(Repl, StopsALongTextBetweenItsPieces) {
+    // A stream that is interrupted as soon as something longer is written to it.
+    class Interrupting final : public std::stringbuf {
+        std::streamsize xsputn(const char* text, std::streamsize count) override {
+            if (count > 100) interruptIsWanted = true;
+            return std::stringbuf::xsputn(text, count);
+        }
+    };
+    Interrupting buffer;
+    std::ostream out(&buffer);
+    std::istringstream in;
+    Console console(in, out);
+    EXPECT_THROW(console.write(std::string(1'000'000, 'x')), Interrupted);
+    EXPECT_FALSE(interruptIsWanted);
+    EXPECT_LT(buffer.str().size(), 100'000U);
 }
 
 }  // namespace

@@ -1,0 +1,40 @@
+// The ways in which a terminal is left to itself or taken over, and the signals that go with them.
+// Whatever ends or stops the process meanwhile, the terminal is given back as it was.
+#pragma once
+
+#include <csignal>
+
+namespace pellum {
+
+// While an object lives, Ctrl-C asks the running program to stop (value/interrupt.h) instead of
+// ending the process, and ends waiting for input.
+class InterruptsStopPrograms {
+public:
+    InterruptsStopPrograms() noexcept;
+    ~InterruptsStopPrograms();
+    InterruptsStopPrograms(const InterruptsStopPrograms&) = delete;
+    InterruptsStopPrograms& operator=(const InterruptsStopPrograms&) = delete;
+
+private:
+    struct sigaction before_ {};
+};
+
+// Whether the terminal behind standard input shows what is typed and hands it over line by line,
+// as it does unless somebody has asked it for something else.
+bool terminalEditsLines() noexcept;
+
+// While an object lives, the terminal shows nothing of what is typed and hands it over at once, and
+// it marks what is pasted. There is at most one at a time.
+class QuietTerminal {
+public:
+    QuietTerminal() noexcept;
+    ~QuietTerminal();
+    QuietTerminal(const QuietTerminal&) = delete;
+    QuietTerminal& operator=(const QuietTerminal&) = delete;
+
+    // Whether the terminal has got another size, or the process has been stopped and continued,
+    // since this was last asked.
+    static bool mustBeRedrawn() noexcept;
+};
+
+}  // namespace pellum
