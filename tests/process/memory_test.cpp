@@ -52,7 +52,7 @@ void play(const Growth& growth, Engine engine, const char* limit) {
     surroundings.addLimit(limit);
     if (const char* reason = surroundings.whyImpossible()) GTEST_SKIP() << reason;
     Process process;
-    process.executable = PELLUM_EXECUTABLE;
+    process.executable = programPath();
     process.arguments = onEngine(engine, {"-c", growth.program});
     process.prepare = [&] { return surroundings.enter(); };
     const Outcome outcome = process.run();
@@ -77,7 +77,7 @@ TEST(Memory, ThePromptForgetsWhatItHasRun) {
     surroundings.addLimit("memory 40M");
     if (const char* reason = surroundings.whyImpossible()) GTEST_SKIP() << reason;
     Process process;
-    process.executable = PELLUM_EXECUTABLE;
+    process.executable = programPath();
     process.prepare = [&] { return surroundings.enter(); };
     constexpr int inputs = 200'000;
     std::string wanted = "Pellum 6  --  type Ctrl-D (or 'exit') to quit\n";
@@ -101,7 +101,7 @@ TEST(Memory, TheStartItself) {
             surroundings.limits = {{RLIMIT_AS, kilobytes << 10}};
             if (const char* reason = surroundings.whyImpossible()) GTEST_SKIP() << reason;
             Process process;
-            process.executable = PELLUM_EXECUTABLE;
+            process.executable = programPath();
             process.arguments = onEngine(engine, {"-c", "print(sort([2, 1]))"});
             process.prepare = [&] { return surroundings.enter(); };
             const Outcome outcome = process.run();

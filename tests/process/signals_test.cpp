@@ -20,7 +20,7 @@ constexpr int endingSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
 Process programOf(std::vector<std::string> arguments) {
     Process process;
-    process.executable = PELLUM_EXECUTABLE;
+    process.executable = programPath();
     process.arguments = std::move(arguments);
     return process;
 }

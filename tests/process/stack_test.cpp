@@ -68,7 +68,7 @@ Outcome play(const std::string& source, Engine engine, const char* limit) {
     Surroundings surroundings;
     surroundings.addLimit(limit);
     Process process;
-    process.executable = PELLUM_EXECUTABLE;
+    process.executable = programPath();
     process.arguments = onEngine(engine, {"deep"});
     process.folder = folder.path();
     process.prepare = [&] { return surroundings.enter(); };

@@ -26,7 +26,7 @@ namespace {
 
 Process programOf(std::vector<std::string> arguments) {
     Process process;
-    process.executable = PELLUM_EXECUTABLE;
+    process.executable = programPath();
     process.arguments = std::move(arguments);
     return process;
 }
@@ -125,7 +125,7 @@ TEST(Arguments, NotEvenTheName) {
     process.input = "1 + 1\n";
     process.prepare = [] {
         char* const none[] = {nullptr};
-        return execv(PELLUM_EXECUTABLE, none) == 0;
+        return execv(programPath().c_str(), none) == 0;
     };
     const Outcome outcome = process.run();
     EXPECT_EQ(outcome.status, 0);

@@ -43,7 +43,7 @@ std::vector<Row> readTable() {
 }
 
 void play(const fs::path& path, Engine engine, const std::string& input, const Outcome& wanted) {
-    const Outcome given = playInProcess(onEngine(engine, {path.generic_string()}), input);
+    const Outcome given = playCase(onEngine(engine, {path.generic_string()}), input);
     EXPECT_EQ(given.output, wanted.output);
     EXPECT_EQ(given.errors, wanted.errors);
     EXPECT_EQ(given.status, wanted.status);

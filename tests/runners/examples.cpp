@@ -19,7 +19,7 @@ void play(const fs::path& path, Engine engine) {
     const fs::path outputFile = fs::path(path).replace_extension(".out");
     ASSERT_TRUE(fs::exists(outputFile)) << path << " needs its output in " << outputFile;
     const std::string input = fs::exists(inputFile) ? readFile(inputFile) : std::string();
-    const Outcome given = playInProcess(onEngine(engine, {path.generic_string()}), input);
+    const Outcome given = playCase(onEngine(engine, {path.generic_string()}), input);
     if (const auto difference = firstDifference("the output", readFile(outputFile), given.output)) {
         ADD_FAILURE_AT(outputFile.c_str(), 1) << *difference;
     }

@@ -57,7 +57,7 @@ public:
 
 private:
     Outcome playOn(Engine engine) const {
-        return playInProcess(onEngine(engine, {path_}), expectations_.input);
+        return playCase(onEngine(engine, {path_}), expectations_.input);
     }
 
     void checkOutput() const {

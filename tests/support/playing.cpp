@@ -4,6 +4,7 @@
 
 #include "driver/run_main.h"
 
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 
@@ -16,6 +17,11 @@ Engine otherEngine(Engine engine) { return engine == Engine::Tree ? Engine::Vm :
 std::vector<std::string> onEngine(Engine engine, std::vector<std::string> arguments) {
     if (engine == Engine::Tree) arguments.insert(arguments.begin(), "--tree");
     return arguments;
+}
+
+std::filesystem::path programPath() {
+    const char* other = std::getenv("PELLUM_PROGRAM");
+    return other ? std::filesystem::absolute(other) : PELLUM_EXECUTABLE;
 }
 
 Outcome playInProcess(const std::vector<std::string>& arguments, const std::string& input,
@@ -35,7 +41,7 @@ Outcome playInProcess(const std::vector<std::string>& arguments, const std::stri
 Outcome playOutside(const std::vector<std::string>& arguments, const std::string& input,
                     const std::filesystem::path& folder, Streams streams, OutputTo outputTo) {
     Process process;
-    process.executable = PELLUM_EXECUTABLE;
+    process.executable = programPath();
     process.arguments = arguments;
     process.folder = folder;
     process.input = input;
@@ -43,6 +49,11 @@ Outcome playOutside(const std::vector<std::string>& arguments, const std::string
     if (outputTo == OutputTo::FullDevice) process.outputFile = "/dev/full";
     process.readsOutput = outputTo == OutputTo::Memory;
     return process.run();
+}
+
+Outcome playCase(const std::vector<std::string>& arguments, const std::string& input) {
+    return std::getenv("PELLUM_PROGRAM") ? playOutside(arguments, input)
+                                         : playInProcess(arguments, input);
 }
 
 }  // namespace pellum::test

@@ -42,9 +42,16 @@ enum class Streams {
     Merged,  // standard error goes where standard output goes, in the order of writing
 };
 
-// Runs the executable with `folder` as its current folder.
+// The program that is played from outside: the one that was built, or that which the environment
+// names as PELLUM_PROGRAM, by a path from the root of the repository. Absolute.
+std::filesystem::path programPath();
+
+// Runs the program with `folder` as its current folder.
 Outcome playOutside(const std::vector<std::string>& arguments, const std::string& input,
                     const std::filesystem::path& folder = ".", Streams streams = Streams::Apart,
                     OutputTo outputTo = OutputTo::Memory);
+
+// In process, unless the environment names a program: then that one is played.
+Outcome playCase(const std::vector<std::string>& arguments, const std::string& input);
 
 }  // namespace pellum::test

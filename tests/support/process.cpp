@@ -150,4 +150,11 @@ Outcome Process::run() const {
     return outcome;
 }
 
+Outcome runCommand(std::vector<std::string> words) {
+    Process process;
+    process.executable = "/usr/bin/env";
+    process.arguments = std::move(words);
+    return process.run();
+}
+
 }  // namespace pellum::test

@@ -32,4 +32,7 @@ struct Process {
     Outcome run() const;
 };
 
+// A command that is looked for in the PATH, with its arguments; status 127 when it is not there.
+Outcome runCommand(std::vector<std::string> words);
+
 }  // namespace pellum::test
