@@ -1,4 +1,5 @@
 // What "cmake --install" leaves behind, in a folder that was empty before.
+#include "process/installing.h"
 #include "support/files.h"
 #include "support/process.h"
 
@@ -15,13 +16,10 @@ namespace {
 class Install : public testing::Test {
 protected:
     void SetUp() override {
-        Process cmake;
-        cmake.executable = PELLUM_CMAKE;
-        cmake.arguments = {"--install", PELLUM_BUILD, "--prefix", prefix_.path()};
-        const Outcome outcome = cmake.run();
-        ASSERT_EQ(outcome.status, 0) << outcome.output << outcome.errors;
+        ASSERT_EQ(install({"--prefix", prefix_.path()}), (Outcome{0, "", ""}));
     }
 
+    const fs::path& prefix() const { return prefix_.path(); }
     fs::path at(const std::string& path) const { return prefix_.path() / path; }
 
 private:
@@ -59,6 +57,49 @@ TEST_F(Install, TheDocumentsFindEachOther) {
                 text.substr(open, std::min(text.find_first_of("#)", open), text.size()) - open);
             if (!target.ends_with(".md") || target.find(':') != target.npos) continue;
             EXPECT_TRUE(fs::exists(page.parent_path() / target)) << page << " links to " << target;
+        }
+    }
+}
+
+// Whatever is installed belongs to one component, or no package would have it.
+TEST_F(Install, TheComponentsTogetherAreEverything) {
+    std::set<fs::path> sum;
+    for (const char* component : {"program", "development"}) {
+        const TemporaryFolder folder;
+        install({"--prefix", folder.path(), "--component", component});
+        for (const fs::path& file : namesUnder(folder.path())) {
+            EXPECT_TRUE(sum.insert(file).second) << file << " is in both components";
+        }
+    }
+    EXPECT_EQ(namesUnder(prefix()), sum);
+}
+
+TEST_F(Install, TheProgramComesWithoutWhatDevelopersNeed) {
+    const TemporaryFolder folder;
+    ASSERT_EQ(install({"--prefix", folder.path(), "--component", "program"}).status, 0);
+    const std::set<fs::path> names = namesUnder(folder.path());
+    EXPECT_TRUE(names.contains("bin/pellum"));
+    for (const fs::path& name : names) {
+        EXPECT_TRUE(*name.begin() == "bin" || *name.begin() == "share") << name;
+    }
+}
+
+// As those do who make packages: the prefix is where the files will be, DESTDIR where they are now.
+TEST_F(Install, DestdirStandsBeforeThePrefix) {
+    const TemporaryFolder folder;
+    ASSERT_EQ(install({"--prefix", "/opt/here"}, folder.path()), (Outcome{0, "", ""}));
+    EXPECT_EQ(namesUnder(folder.path() / "opt/here"), namesUnder(prefix()));
+}
+
+TEST_F(Install, NothingRemembersWhereItWasBuilt) {
+    for (const fs::path& name : namesUnder(prefix())) {
+#ifndef PELLUM_IS_FOR_USE
+        // What a debugger or a profile reads does.
+        if (name.parent_path() == "bin" || name.extension() == ".a") continue;
+#endif
+        const std::string contents = readFile(prefix() / name);
+        for (const char* folder : {PELLUM_BUILD, PELLUM_ROOT}) {
+            EXPECT_EQ(contents.find(folder), contents.npos) << name << " names " << folder;
         }
     }
 }
