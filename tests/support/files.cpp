@@ -46,7 +46,8 @@ std::vector<fs::path> repositoryFiles() {
         const std::string name = entry.path().filename().string();
         if (!entry.is_directory()) {
             files.push_back(name);
-        } else if (name == ".ci" || !(name.starts_with('.') || name.starts_with("build"))) {
+        } else if (name == ".ci" || name == ".github" ||
+                   !(name.starts_with('.') || name.starts_with("build"))) {
             const std::vector<fs::path> inside = filesUnder(name, "");
             files.insert(files.end(), inside.begin(), inside.end());
         }
