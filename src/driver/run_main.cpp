@@ -104,19 +104,7 @@ ExitStatus runMode(std::vector<std::string> args, Session& session) {
 int runMain(std::vector<std::string> args, std::istream& in, std::ostream& out, std::ostream& err,
             Terminal terminal) {
     Session session(in, out, err, terminal);
-    try {
-        try {
-            const ExitStatus status = runMode(std::move(args), session);
-            session.console.flush();
-            return status;
-        } catch (const std::exception& failure) {
-            session.complain(failure);
-        }
-    } catch (const OutputError& failure) {
-        if (failure.readerIsGone) return exitSuccess;
-        err << "pellum: cannot write to standard output\n" << std::flush;
-    }
-    return exitFailure;
+    return session.run([&] { return runMode(std::move(args), session); });
 }
 
 }  // namespace pellum

@@ -6,6 +6,7 @@
 #include "driver/terminal.h"
 
 #include <exception>
+#include <functional>
 #include <iosfwd>
 #include <string_view>
 
@@ -16,16 +17,19 @@ inline constexpr std::string_view version = "6";
 
 class Session {
 public:
-    Session(std::istream& in, std::ostream& out, std::ostream& err, Terminal terminal = {}) noexcept
-        : console(in, out), input(in), err_(err), terminal_(terminal) {
+    // `programName` stands before what the program itself has to complain about, and outlives the
+    // session.
+    Session(std::istream& in, std::ostream& out, std::ostream& err, Terminal terminal = {},
+            std::string_view programName = "pellum") noexcept
+        : console(in, out), input(in), program(programName), err_(err), terminal_(terminal) {
         if (terminal_.prompt) console.readFrom(*terminal_.prompt);
     }
 
     // Writes a line to standard error, behind all output that came before it.
-    void diagnose(std::string_view line) { writeLine("", line); }
+    void diagnose(std::string_view line) { writeLine("", "", line); }
     // The same for what is no error of a program, with the name of this one before it. Asks for no
     // memory.
-    void complain(std::string_view problem) { writeLine("pellum: ", problem); }
+    void complain(std::string_view problem) { writeLine(program, ": ", problem); }
     void complain(const std::exception& failure);
     // The same for an error of a program: rendered, or "Error: " and the text of a thrown value.
     void diagnose(const PellumError& error, std::string_view source, std::string_view name);
@@ -34,11 +38,16 @@ public:
     // Reads the prompt's lines at a terminal; null elsewhere.
     PromptReader* promptReader() const noexcept { return terminal_.prompt; }
 
+    // Does the whole work of the program, writes out what it has printed, and answers its status:
+    // that of `work`, or that of a failure which has been reported. Throws nothing.
+    int run(const std::function<int()>& work);
+
     Console console;
     std::istream& input;
+    const std::string_view program;
 
 private:
-    void writeLine(std::string_view beginning, std::string_view rest);
+    void writeLine(std::string_view beginning, std::string_view separator, std::string_view rest);
 
     std::ostream& err_;
     Terminal terminal_;

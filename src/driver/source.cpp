@@ -31,19 +31,27 @@ void runOnVM(std::string_view source, Session& session) {
 std::optional<std::string> readSourceFile(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     if (!file) return std::nullopt;
+    return readSourceText(file);
+}
+
+std::optional<std::string> readSourceText(std::istream& stream) {
     std::string text;
     constexpr std::size_t chunkSize = limit(1 << 14, 5);
     std::array<char, chunkSize> chunk;
     do {
-        file.read(chunk.data(), chunk.size());
-        text.append(chunk.data(), static_cast<std::size_t>(file.gcount()));
-    } while (file && text.size() <= maxSourceLength);
-    if (file.bad()) return std::nullopt;
+        stream.read(chunk.data(), chunk.size());
+        text.append(chunk.data(), static_cast<std::size_t>(stream.gcount()));
+    } while (stream && text.size() <= maxSourceLength);
+    if (stream.bad()) return std::nullopt;
     return text;
 }
 
 std::optional<std::string> readOrComplain(const std::string& path, Session& session) {
-    auto text = readSourceFile(path);
+    return acceptOrComplain(readSourceFile(path), path, session);
+}
+
+std::optional<std::string> acceptOrComplain(std::optional<std::string> text,
+                                            const std::string& path, Session& session) {
     if (!text) {
         session.complain("cannot open " + path);
     } else if (text->size() > maxSourceLength) {

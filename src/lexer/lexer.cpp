@@ -211,6 +211,7 @@ private:
             text += source_.substr(plain, offset_ - plain);
         }
         ++offset_;
+        contents->written = tokenText();
         if (isInterpolated) addText();
         Token& token =
             isInterpolated ? add(TokenKind::InterpString, "") : add(TokenKind::String, keepText());

@@ -94,6 +94,7 @@ struct StringPart {
 struct StringContents final : Object {
     std::vector<StringPart> parts;    // of an interpolated string
     std::deque<std::string> decoded;  // texts with escapes, which the views look into
+    std::string_view written;         // the whole string in the source, with its quotes
 };
 
 // Small, since a source has one for every few bytes. The texts are views into the source, or into

@@ -35,13 +35,20 @@ const std::vector<Room> rooms = {
     {"main.cpp", {"driver"}},
 };
 
-// The room of a path below src/, or null.
-const Room* roomOf(std::string_view path) {
-    const auto room = std::find_if(rooms.begin(), rooms.end(), [&](const Room& candidate) {
+// The rooms below tools/. They may know all rooms of the core, in which nobody knows them.
+const std::vector<Room> toolRooms = {
+    {"common", {}},
+    {"format", {"common"}},
+    {"lint", {"common"}},
+};
+
+// The room in `house` of a path below its folder, or null.
+const Room* roomOf(std::string_view path, const std::vector<Room>& house = rooms) {
+    const auto room = std::find_if(house.begin(), house.end(), [&](const Room& candidate) {
         return path.starts_with(candidate.name) &&
                (path.size() == candidate.name.size() || path[candidate.name.size()] == '/');
     });
-    return room == rooms.end() ? nullptr : &*room;
+    return room == house.end() ? nullptr : &*room;
 }
 
 bool mayKnow(const Room& from, const Room& to) {
@@ -63,6 +70,29 @@ TEST(Structure, EveryIncludeIsAnArrowOfTheHouse) {
                 ADD_FAILURE_AT(file.c_str(), static_cast<int>(include.line))
                     << "a wrong arrow: " << from->name << " -> " << to->name << " (" << path
                     << " includes " << include.path << ")";
+            }
+        }
+    }
+}
+
+// Whether the path, as an #include under tools/ writes it, names a file of the core.
+bool isOfCore(const std::string& path) {
+    return roomOf(path) && std::filesystem::exists("src/" + path);
+}
+
+TEST(Structure, ToolsKnowTheCoreAndWhatTheyShare) {
+    for (const auto& file : filesUnder("tools", "")) {
+        const std::string extension = file.extension().string();
+        if (extension != ".h" && extension != ".cpp") continue;
+        const std::string path = file.lexically_relative("tools").generic_string();
+        const Room* from = roomOf(path, toolRooms);
+        ASSERT_TRUE(from) << file << " stands in no room";
+        for (const CppInclude& include : quotedIncludes(readFile(file))) {
+            if (isOfCore(include.path)) continue;
+            const Room* to = roomOf(include.path, toolRooms);
+            if (!to || !std::filesystem::exists("tools/" + include.path) || !mayKnow(*from, *to)) {
+                ADD_FAILURE_AT(file.c_str(), static_cast<int>(include.line))
+                    << "a wrong arrow: " << path << " includes " << include.path;
             }
         }
     }
