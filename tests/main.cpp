@@ -104,6 +104,7 @@ int main(int argc, char** argv) {
     registerCommandLineCases();
     registerListings();
     registerTerminalSessions();
+    registerFormatCases();
     registerMarkdownPages();
     if (list) {
         if (const auto useless = uselessNeed(allTests())) {

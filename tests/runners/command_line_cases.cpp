@@ -39,7 +39,7 @@ Outcome playFromOutside(const CommandCase& commandCase, const fs::path& folder) 
         writers.emplace_back(folder / fifo.name, fifo.contents);
     }
     Process process;
-    process.executable = PELLUM_EXECUTABLE;
+    process.executable = fs::path(PELLUM_EXECUTABLE).parent_path() / commandCase.program;
     process.arguments = commandCase.arguments;
     process.folder = folder;
     process.input = commandCase.input;
@@ -51,7 +51,8 @@ Outcome playFromOutside(const CommandCase& commandCase, const fs::path& folder) 
 
 Outcome playInside(const CommandCase& commandCase, const fs::path& folder) {
     const CurrentFolder current(folder);
-    return playInProcess(commandCase.arguments, commandCase.input, commandCase.outputTo);
+    return playInProcess(commandCase.program, commandCase.arguments, commandCase.input,
+                         commandCase.outputTo);
 }
 
 // A case and where it stands.
@@ -81,6 +82,9 @@ void play(const Placed& placed, Place place) {
     expectMatch(placed, "standard output", commandCase.output, given.output);
     expectMatch(placed, "standard error", commandCase.errors, given.errors);
     EXPECT_EQ(given.status, commandCase.status);
+    for (const CommandCase::File& file : commandCase.filesAfterwards) {
+        expectMatch(placed, file.name, {file.contents}, readFile(folder.path() / file.name));
+    }
 }
 
 // Whether the case is about what only a process of its own can meet.

@@ -76,7 +76,9 @@ private:
 
     void readPreamble(std::string_view line) {
         if (line.starts_with("$ pellum")) {
-            result_.arguments = splitWords(trim(line.substr(8)));
+            result_.arguments = splitWords(trim(line.substr(2)));
+            result_.program = result_.arguments.front();
+            result_.arguments.erase(result_.arguments.begin());
             hasCommand_ = true;
         } else if (!line.starts_with('#') && !trim(line).empty()) {
             throw std::runtime_error("neither remark nor command: " + std::string(trim(line)));
@@ -88,6 +90,8 @@ private:
         if (heading.has("escaped")) body = unescape(body);
         if (heading.kind == "file") {
             result_.files.push_back({heading.argument, std::move(body)});
+        } else if (heading.kind == "then") {
+            result_.filesAfterwards.push_back({heading.argument, std::move(body)});
         } else if (heading.kind == "directory") {
             result_.directories.push_back(heading.argument);
         } else if (heading.kind == "fifo") {

@@ -19,6 +19,9 @@
 // "input (closed)" and its like close it; "limit stack 256K" sets a limit, also on "memory",
 // "data", "files", "written" and "seconds"; "environment" holds the whole environment.
 //
+// "then NAME" is a file as it has to be afterwards. The program may be one of the tools instead,
+// such as pellum-fmt.
+//
 // In the command, words may stand in single quotes, as they are, or in double quotes, with escapes.
 #pragma once
 
@@ -44,8 +47,10 @@ struct CommandCase {
         std::string contents;
     };
 
+    std::string program;
     std::vector<std::string> arguments;
     std::vector<File> files;
+    std::vector<File> filesAfterwards;
     std::vector<std::string> directories;
     std::vector<File> fifos;
     std::vector<File> links;

@@ -3,12 +3,37 @@
 #include "support/process.h"
 
 #include "driver/run_main.h"
+#include "format/pellum_fmt.h"
 
 #include <cstdlib>
 #include <fstream>
+#include <functional>
 #include <sstream>
+#include <stdexcept>
 
 namespace pellum::test {
+
+namespace {
+
+using Main = std::function<int(const std::vector<std::string>& arguments, std::istream& in,
+                               std::ostream& out, std::ostream& err)>;
+
+Main mainOf(const std::string& program) {
+    if (program == "pellum") {
+        return [](const auto& arguments, auto& in, auto& out, auto& err) {
+            return runMain(arguments, in, out, err);
+        };
+    }
+    for (const tools::Tool* tool : {&tools::pellumFmt}) {
+        if (tool->name != program) continue;
+        return [tool](const auto& arguments, auto& in, auto& out, auto& err) {
+            return tools::runTool(*tool, arguments, in, out, err);
+        };
+    }
+    throw std::runtime_error("there is no program " + program);
+}
+
+}  // namespace
 
 const char* engineName(Engine engine) { return engine == Engine::Tree ? "tree" : "vm"; }
 
@@ -26,15 +51,21 @@ std::filesystem::path programPath() {
 
 Outcome playInProcess(const std::vector<std::string>& arguments, const std::string& input,
                       OutputTo outputTo) {
+    return playInProcess("pellum", arguments, input, outputTo);
+}
+
+Outcome playInProcess(const std::string& program, const std::vector<std::string>& arguments,
+                      const std::string& input, OutputTo outputTo) {
+    const Main run = mainOf(program);
     std::istringstream in(input);
     std::ostringstream errors;
     if (outputTo == OutputTo::FullDevice) {
         std::ofstream full("/dev/full");
-        const int status = runMain(arguments, in, full, errors);
+        const int status = run(arguments, in, full, errors);
         return {status, "", errors.str()};
     }
     std::ostringstream out;
-    const int status = runMain(arguments, in, out, errors);
+    const int status = run(arguments, in, out, errors);
     return {status, out.str(), errors.str()};
 }
 

@@ -34,6 +34,11 @@ enum class OutputTo {
 Outcome playInProcess(const std::vector<std::string>& arguments, const std::string& input,
                       OutputTo outputTo = OutputTo::Memory);
 
+// The same for a program by its name, which may be that of a tool. Throws std::runtime_error for
+// one that there is not.
+Outcome playInProcess(const std::string& program, const std::vector<std::string>& arguments,
+                      const std::string& input, OutputTo outputTo = OutputTo::Memory);
+
 // The arguments that run a program on `engine`.
 std::vector<std::string> onEngine(Engine engine, std::vector<std::string> arguments);
 

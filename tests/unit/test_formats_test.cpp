@@ -63,6 +63,7 @@ TEST(CommandCase, ReadsItsSections) {
         "--- errors (pattern)\n"
         "<number> ms\n"
         "--- status 2\n");
+    EXPECT_EQ(found.program, "pellum");
     EXPECT_EQ(found.arguments, (std::vector<std::string>{"-c", "a \"b\"", "x\ny"}));
     ASSERT_EQ(found.files.size(), 1U);
     EXPECT_EQ(found.files[0].name, "a/b.pellum");
