@@ -33,6 +33,14 @@ TEST_F(Install, TheProgramRuns) {
     EXPECT_EQ(program.run(), (Outcome{0, "42\n", ""}));
 }
 
+TEST_F(Install, TheFormatterRuns) {
+    Process formatter;
+    formatter.executable = at("bin/pellum-fmt");
+    formatter.arguments = {"-"};
+    formatter.input = "print( 6*7 )";
+    EXPECT_EQ(formatter.run(), (Outcome{0, "print(6 * 7)\n", ""}));
+}
+
 TEST_F(Install, TheManualAndTheCompletionsAreWhereTheyAreLookedFor) {
     const auto expectCopy = [&](const char* source, const char* path) {
         ASSERT_TRUE(fs::is_regular_file(at(path))) << path;
@@ -42,6 +50,10 @@ TEST_F(Install, TheManualAndTheCompletionsAreWhereTheyAreLookedFor) {
     expectCopy("completions/pellum.bash", "share/bash-completion/completions/pellum");
     expectCopy("completions/_pellum", "share/zsh/site-functions/_pellum");
     expectCopy("completions/pellum.fish", "share/fish/vendor_completions.d/pellum.fish");
+    expectCopy("man/pellum-fmt.1", "share/man/man1/pellum-fmt.1");
+    expectCopy("completions/pellum-fmt.bash", "share/bash-completion/completions/pellum-fmt");
+    expectCopy("completions/_pellum-fmt", "share/zsh/site-functions/_pellum-fmt");
+    expectCopy("completions/pellum-fmt.fish", "share/fish/vendor_completions.d/pellum-fmt.fish");
     expectCopy("LICENSE", "share/doc/pellum/LICENSE");
 }
 

@@ -91,12 +91,14 @@ TEST(Options, AreCompletedByAllShells) {
 }
 
 TEST(Manual, HasNothingThatItsLinterComplainsAbout) {
-    Process mandoc;
-    mandoc.executable = "/usr/bin/env";
-    mandoc.arguments = {"mandoc", "-T", "lint", "-W", "warning", "man/pellum.1"};
-    const Outcome outcome = mandoc.run();
-    if (outcome.status == 127) GTEST_SKIP() << "there is no mandoc";
-    EXPECT_EQ(outcome, (Outcome{0, "", ""}));
+    for (const auto& page : filesUnder("man", "")) {
+        Process mandoc;
+        mandoc.executable = "/usr/bin/env";
+        mandoc.arguments = {"mandoc", "-T", "lint", "-W", "warning", page.string()};
+        const Outcome outcome = mandoc.run();
+        if (outcome.status == 127) GTEST_SKIP() << "there is no mandoc";
+        EXPECT_EQ(outcome, (Outcome{0, "", ""})) << page;
+    }
 }
 
 }  // namespace

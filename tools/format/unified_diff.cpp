@@ -91,7 +91,7 @@ std::string unifiedDiff(std::string_view before, std::string_view after, std::st
         // A hunk goes on as long as the next change is near.
         auto last = first;
         for (auto next = first;
-             next != changes.end() && next - last <= static_cast<std::ptrdiff_t>(2 * context);
+             next != changes.end() && next - last <= static_cast<std::ptrdiff_t>(2 * context + 1);
              next = std::find_if(next + 1, changes.end(), isChange)) {
             last = next;
         }
