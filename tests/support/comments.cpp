@@ -31,9 +31,10 @@ private:
 
     std::size_t comment(std::size_t at) {
         const std::size_t begin = at + 1, end = endOfLine(at);
-        const auto newlines = std::count(source_.begin(), source_.begin() + signedOf(at), '\n');
-        comments_.push_back(
-            {source_.substr(begin, end - begin), begin, static_cast<std::size_t>(newlines) + 1});
+        const auto from = source_.begin() + signedOf(counted_);
+        line_ += static_cast<std::size_t>(std::count(from, source_.begin() + signedOf(at), '\n'));
+        counted_ = at;
+        comments_.push_back({source_.substr(begin, end - begin), begin, line_});
         return end;
     }
 
@@ -81,6 +82,8 @@ private:
 
     std::string_view source_;
     std::vector<Comment> comments_;
+    std::size_t counted_ = 0;  // up to here the lines are counted
+    std::size_t line_ = 1;
 };
 
 }  // namespace

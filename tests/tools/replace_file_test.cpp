@@ -37,7 +37,7 @@ TEST_F(ReplaceFile, LeavesNothingButTheNewContents) {
 }
 
 TEST_F(ReplaceFile, KeepsThePermissions) {
-    for (const mode_t mode : {0600, 0644, 0755, 0620}) {
+    for (const mode_t mode : {0600U, 0644U, 0755U, 0620U}) {
         ASSERT_EQ(chmod(file_.c_str(), mode), 0);
         replaceFile(file_, "new");
         struct stat now {};

@@ -58,12 +58,11 @@ std::vector<Change> changesBetween(const std::vector<Line>& before,
         // An empty line on one side alone goes or comes by itself.
         const bool isExtra = isEven && j < after.size() && after[j].content == kept &&
                              (i == before.size() || before[i].content != written);
-        if (i < before.size() && written <= kept && !isExtra) {
+        const bool goes = j == after.size() || (i < before.size() && written <= kept && !isExtra);
+        if (goes) {
             changes.push_back({'-', before[i++].text});
-        } else if (j < after.size()) {
-            added.push_back({'+', after[j++].text});
         } else {
-            changes.push_back({'-', before[i++].text});
+            added.push_back({'+', after[j++].text});
         }
     }
     changes.insert(changes.end(), added.begin(), added.end());
