@@ -123,9 +123,8 @@ private:
         if (current.kind == TokenKind::EndOfFile) return;
         if (isEnd) {
             page_.beginLine(outer);
-            // What follows belongs to the line of the head, unless it is a block again.
-            if (current.place == Place::BlockEnd && isBroken()) frame() = frames_.end()[-2];
-            if (isBroken()) frame().hasContent = false;
+            // What follows belongs to the line of the head, until a block begins again.
+            if (isBroken()) frame() = {frames_[frames_.size() - 2].lastPiece};
             return;
         }
         if (current.hadBlankLine && frame().hasContent) page_.addBlankLine();

@@ -36,9 +36,10 @@ private:
 // A new file beside another one, which is gone again unless it takes that one's place.
 class FileBeside {
 public:
-    explicit FileBeside(const std::filesystem::path& target) : target_(target) {
-        name_ = (target.parent_path() / ("." + target.filename().string() + ".XXXXXX")).string();
-        descriptor_ = mkstemp(name_.data());
+    explicit FileBeside(const std::filesystem::path& target)
+        : target_(target),
+          name_((target.parent_path() / ("." + target.filename().string() + ".XXXXXX")).string()),
+          descriptor_(mkstemp(name_.data())) {
         if (descriptor_ < 0) fail();
     }
     ~FileBeside() {
