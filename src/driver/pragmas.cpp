@@ -29,12 +29,6 @@ std::string_view takeUntil(std::string_view& text, std::string_view separators) 
     return taken;
 }
 
-bool isPragma(std::string_view line) noexcept {
-    if (!line.starts_with(pragmaWord)) return false;
-    return line.size() == pragmaWord.size() ||
-           whitespace.find(line[pragmaWord.size()]) != whitespace.npos;
-}
-
 Pragma parsePragma(std::string_view line, std::int32_t number) {
     std::string_view rest = trim(line.substr(pragmaWord.size()), pragmaBlanks);
     const std::string_view name = takeUntil(rest, " \t");
@@ -56,6 +50,12 @@ std::int64_t leadingInteger(std::string_view text) noexcept {
 }
 
 }  // namespace
+
+bool isPragma(std::string_view comment) noexcept {
+    if (!comment.starts_with(pragmaWord)) return false;
+    return comment.size() == pragmaWord.size() ||
+           whitespace.find(comment[pragmaWord.size()]) != whitespace.npos;
+}
 
 PragmaInfo scanPragmas(std::string_view source) {
     PragmaInfo info;

@@ -23,6 +23,9 @@ struct PragmaInfo {
     std::vector<Pragma> unknown;  // those that are not the version
 };
 
+// Whether a comment, from its "#" on, has the form of a pragma.
+bool isPragma(std::string_view comment) noexcept;
+
 PragmaInfo scanPragmas(std::string_view source);
 
 // Prints the warnings and, where it comes to that, the refusal. True means: run the file.
