@@ -129,6 +129,7 @@ Statement Writer::denseStatement(Dense& dense) {
 
 Statement Writer::denseLoop(Dense& dense) {
     const auto numbers = dense.numbers;
+    const std::size_t functions = dense.functions.size();
     const std::string name = newName("i");
     std::string head;
     switch (random_.below(3)) {
@@ -157,6 +158,7 @@ Statement Writer::denseLoop(Dense& dense) {
         body.push_back(denseStatement(dense));
     }
     dense.numbers = numbers;
+    dense.functions.resize(functions);
     return {{{std::move(head), std::move(body)}}, "end"};
 }
 
