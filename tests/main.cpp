@@ -105,6 +105,7 @@ int main(int argc, char** argv) {
     registerListings();
     registerTerminalSessions();
     registerFormatCases();
+    registerLintCases();
     registerMarkdownPages();
     if (list) {
         if (const auto useless = uselessNeed(allTests())) {

@@ -41,6 +41,14 @@ TEST_F(Install, TheFormatterRuns) {
     EXPECT_EQ(formatter.run(), (Outcome{0, "print(6 * 7)\n", ""}));
 }
 
+TEST_F(Install, TheLinterRuns) {
+    Process linter;
+    linter.executable = at("bin/pellum-lint");
+    linter.arguments = {"-"};
+    linter.input = "print(x)\n";
+    EXPECT_EQ(linter.run(), (Outcome{1, "<stdin>:1:7: undefined-name: nothing defines 'x'\n", ""}));
+}
+
 TEST_F(Install, TheManualAndTheCompletionsAreWhereTheyAreLookedFor) {
     const auto expectCopy = [&](const char* source, const char* path) {
         ASSERT_TRUE(fs::is_regular_file(at(path))) << path;
@@ -54,6 +62,10 @@ TEST_F(Install, TheManualAndTheCompletionsAreWhereTheyAreLookedFor) {
     expectCopy("completions/pellum-fmt.bash", "share/bash-completion/completions/pellum-fmt");
     expectCopy("completions/_pellum-fmt", "share/zsh/site-functions/_pellum-fmt");
     expectCopy("completions/pellum-fmt.fish", "share/fish/vendor_completions.d/pellum-fmt.fish");
+    expectCopy("man/pellum-lint.1", "share/man/man1/pellum-lint.1");
+    expectCopy("completions/pellum-lint.bash", "share/bash-completion/completions/pellum-lint");
+    expectCopy("completions/_pellum-lint", "share/zsh/site-functions/_pellum-lint");
+    expectCopy("completions/pellum-lint.fish", "share/fish/vendor_completions.d/pellum-lint.fish");
     expectCopy("LICENSE", "share/doc/pellum/LICENSE");
 }
 

@@ -15,6 +15,7 @@ void registerCommandLineCases();  // tests/cli/*.case
 void registerListings();          // tests/listings/*.listing
 void registerTerminalSessions();  // tests/terminal/**/*.session
 void registerFormatCases();       // tests/format/*.pellum
+void registerLintCases();         // tests/lint/**/*.pellum
 void registerMarkdownPages();     // README.md, docs/*.md
 
 // Registers a use of the command line, in the form of tests/cli, which stands in `file` at `line`.
