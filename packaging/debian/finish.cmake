@@ -48,9 +48,10 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
             --enable-deterministic-archives ${library} COMMAND_ERROR_IS_FATAL ANY)
     endforeach()
 
-    # Debian keeps the licence under a name of its own, in each package.
+    # Debian keeps the licence under a name of its own, once in each package.
     file(MAKE_DIRECTORY ${documents})
-    file(REMOVE ${documents}/LICENSE)
+    file(GLOB_RECURSE licences ${usr}/LICENSE)
+    file(REMOVE ${licences})
     file(WRITE ${documents}/copyright "${copyright}")
     configure_file(${CMAKE_CURRENT_LIST_DIR}/changelog.in ${documents}/changelog.Debian @ONLY)
     compress(${documents}/changelog.Debian)
