@@ -20,7 +20,13 @@ function checkSamples(highlighter) {
     let checks = 0;
     const shown = new Set();
     for (const { name, text, expectations } of allSamples()) {
-        const scopes = scopesOf(highlighter, text);
+        let scopes;
+        try {
+            scopes = scopesOf(highlighter, text);
+        } catch (error) {
+            fail(`tests/editors/samples/${name}`, error.message);
+            continue;
+        }
         const lines = text.split("\n");
         for (const { line, from, to, scopes: wanted } of expectations) {
             ++checks;

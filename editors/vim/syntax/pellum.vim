@@ -22,7 +22,7 @@ let s:functions = 'abs assert bin bool capitalize ceil char chars clamp clock co
 let s:constants = 'E PI'
 
 function s:alternatives(words) abort
-    return '\<\%(' .. join(split(a:words), '\|') .. '\)\>'
+    return '\%(' .. join(split(a:words), '\|') .. '\)\>'
 endfunction
 
 syntax case match
@@ -40,8 +40,8 @@ syntax match pellumError "[^[:space:]]"
 " Names
 syntax match pellumName "\<\h\w*\>"
 syntax match pellumCall "\<\h\w*\>\ze\s*("
-execute 'syntax match pellumBuiltin "' .. s:alternatives(s:functions) .. '"'
-execute 'syntax match pellumBuiltinConstant "' .. s:alternatives(s:constants) .. '"'
+execute 'syntax match pellumBuiltin "\<' .. s:alternatives(s:functions) .. '"'
+execute 'syntax match pellumBuiltinConstant "\<' .. s:alternatives(s:constants) .. '"'
 " The only names before a colon are the keys of maps.
 syntax match pellumKey "\<\h\w*\>\ze\s*:"
 
@@ -55,6 +55,9 @@ syntax keyword pellumDeclaration let
 syntax keyword pellumBinder for catch nextgroup=@pellumKeyword,pellumDeclared skipwhite
 syntax keyword pellumFunction function
     \ nextgroup=@pellumKeyword,pellumFunctionName,pellumParameters skipwhite
+" A keyword may stand right behind a number, where Vim does not look for one.
+execute 'syntax match pellumControl "\d\@1<=' .. s:alternatives(s:control) .. '"'
+execute 'syntax match pellumWordOperator "\d\@1<=' .. s:alternatives(s:operator) .. '"'
 syntax match pellumDeclared "\<\h\w*\>" contained
 syntax match pellumDeclaredFunction "\<\h\w*\>\ze\s*=\s*function\>" contained
 syntax match pellumFunctionName "\<\h\w*\>" contained nextgroup=pellumParameters skipwhite
