@@ -129,7 +129,7 @@ public:
 };
 
 // What a builtin gives, as its repr, or its message.
-std::string resultOf(const Builtin& builtin, std::vector<Value> args) {
+std::string resultOf(const Builtin& builtin, Values args) {
     static std::istringstream in;
     static std::ostringstream out;
     static Console console(in, out);

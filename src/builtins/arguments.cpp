@@ -20,7 +20,7 @@ std::int64_t truncatedArg(const Value& value, std::string_view name) {
     return truncateToInt(numberArg(value, name));
 }
 
-std::vector<Value>& listArg(const Value& value, std::string_view complaint) {
+Values& listArg(const Value& value, std::string_view complaint) {
     if (!value.isList()) failGot(complaint, value);
     return value.asList().items;
 }
@@ -52,8 +52,8 @@ void checkStringLength(std::size_t length) {
     if (length > maxStringLength) failTooLarge();
 }
 
-std::vector<Value> pairOf(Value first, Value second) {
-    std::vector<Value> both;
+Values pairOf(Value first, Value second) {
+    Values both;
     both.reserve(2);
     both.push_back(std::move(first));
     both.push_back(std::move(second));

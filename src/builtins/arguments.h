@@ -20,7 +20,7 @@ double numberArg(const Value& value, std::string_view name);
 std::int64_t truncatedArg(const Value& value, std::string_view name);
 
 // The contents of an argument of one kind, otherwise "<complaint>, got <type>".
-std::vector<Value>& listArg(const Value& value, std::string_view complaint);
+Values& listArg(const Value& value, std::string_view complaint);
 MapData& mapArg(const Value& value, std::string_view complaint);
 std::string_view textArg(const Value& value, std::string_view complaint);
 
@@ -42,7 +42,7 @@ void checkListLength(std::size_t length);
 void checkStringLength(std::size_t length);
 
 // Two values as the elements of a list or the arguments of a call.
-std::vector<Value> pairOf(Value first, Value second);
+Values pairOf(Value first, Value second);
 
 // The display form of an argument, without a copy where the argument is a string.
 // REQUIRES: the argument outlives it.

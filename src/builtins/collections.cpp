@@ -8,7 +8,7 @@ namespace pellum::library {
 
 namespace {
 
-std::int64_t firstEqual(const std::vector<Value>& elements, const Value& sought) {
+std::int64_t firstEqual(const Values& elements, const Value& sought) {
     for (std::size_t i = 0; i < elements.size(); ++i) {
         if (valuesEqual(elements[i], sought)) return static_cast<std::int64_t>(i);
     }
@@ -67,7 +67,7 @@ Value get(Caller&, Arguments args) {
     } else {
         require(collection.isList(), "get: expected a map or list");
         require(key.isInt(), "get: list index must be an integer");
-        const std::vector<Value>& elements = collection.asList().items;
+        const Values& elements = collection.asList().items;
         const std::optional<std::size_t> place = placeFor(key.asInt(), elements.size());
         if (place && *place < elements.size()) found = &elements[*place];
     }
@@ -85,10 +85,10 @@ Value slice(Caller&, Arguments args) {
         // Lists differ; both are part of the language.
         return Value(text.substr(start, end - start));
     }
-    const std::vector<Value>& elements = listArg(x, "slice: expected a list or string");
+    const Values& elements = listArg(x, "slice: expected a list or string");
     const std::size_t start = sliceBound(args, 1, elements.size(), 0);
     const std::size_t end = std::max(start, sliceBound(args, 2, elements.size(), elements.size()));
-    return makeList(std::vector<Value>(elements.data() + start, elements.data() + end));
+    return makeList(Values(elements.data() + start, elements.data() + end));
 }
 
 Value reverse(Caller&, Arguments args) {
@@ -98,8 +98,8 @@ Value reverse(Caller&, Arguments args) {
         return Value(StringObj::build(
             text.size(), [&](char* to) { std::reverse_copy(text.begin(), text.end(), to); }));
     }
-    const std::vector<Value>& elements = listArg(x, "reverse: expected a list or string");
-    return makeList(std::vector<Value>(elements.rbegin(), elements.rend()));
+    const Values& elements = listArg(x, "reverse: expected a list or string");
+    return makeList(Values(elements.rbegin(), elements.rend()));
 }
 
 Value find(Caller&, Arguments args) {
@@ -139,9 +139,9 @@ Value repeat(Caller&, Arguments args) {
         }));
     }
     require(x.isList(), "repeat: expected a string or list");
-    const std::vector<Value>& unit = x.asList().items;
+    const Values& unit = x.asList().items;
     const std::size_t length = repeatedLength(unit.size(), times, maxListLength);
-    std::vector<Value> elements;
+    Values elements;
     elements.reserve(length);
     while (elements.size() < length) {
         elements.insert(elements.end(), unit.begin(), unit.end());

@@ -1,6 +1,7 @@
 #include "builtins/families.h"
 
 #include "value/format.h"
+#include "value/heap.h"
 #include "value/limits.h"
 #include "value/number.h"
 #include "value/parse_number.h"
@@ -36,6 +37,7 @@ Value parseWholeNumber(std::string_view text) {
 std::string inQuotes(std::string_view text) {
     constexpr std::size_t roomForTheRest = limit(64, 1);
     checkStringLength(text.size() + roomForTheRest);
+    requireRoom(text.size());
     std::string quoted;
     quoted.reserve(text.size() + roomForTheRest);
     quoted += '"';

@@ -14,13 +14,13 @@ Value callWith(Caller& caller, const Value& function, Value argument) {
 }  // namespace
 
 Value map(Caller& caller, Arguments args) {
-    std::vector<Value> elements = listArg(args[1], "map: second argument must be a list");
+    Values elements = listArg(args[1], "map: second argument must be a list");
     for (Value& element : elements) element = callWith(caller, args[0], std::move(element));
     return makeList(std::move(elements));
 }
 
 Value filter(Caller& caller, Arguments args) {
-    std::vector<Value> elements = listArg(args[1], "filter: second argument must be a list");
+    Values elements = listArg(args[1], "filter: second argument must be a list");
     std::erase_if(elements, [&](const Value& element) {
         return !isTruthy(callWith(caller, args[0], element));
     });
@@ -28,7 +28,7 @@ Value filter(Caller& caller, Arguments args) {
 }
 
 Value reduce(Caller& caller, Arguments args) {
-    std::vector<Value> elements = listArg(args[1], "reduce: second argument must be a list");
+    Values elements = listArg(args[1], "reduce: second argument must be a list");
     const bool hasInitial = args.size() > 2;
     require(hasInitial || !elements.empty(), "reduce: empty list with no initial value");
     Value accumulator = std::move(hasInitial ? args[2] : elements.front());

@@ -1,6 +1,7 @@
 #include "builtins/families.h"
 
 #include "value/format.h"
+#include "value/heap.h"
 
 #include <algorithm>
 
@@ -40,6 +41,7 @@ Value print(Caller& caller, Arguments args) {
     for (std::size_t i = 0; i < args.size(); ++i) {
         if (i > 0) line += ' ';
         appendDisplay(line, args[i]);
+        if (line.size() > maxCopied) requireRoom(line.size());
     }
     line += '\n';
     caller.console().write(line);

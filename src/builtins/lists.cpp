@@ -57,7 +57,7 @@ std::size_t Range::count() const {
 }  // namespace
 
 Value push(Caller&, Arguments args) {
-    std::vector<Value>& elements = listArg(args[0], "push: first argument must be a list");
+    Values& elements = listArg(args[0], "push: first argument must be a list");
     checkListLength(elements.size() + args.size() - 1);
     elements.insert(elements.end(), std::make_move_iterator(args.begin() + 1),
                     std::make_move_iterator(args.end()));
@@ -65,7 +65,7 @@ Value push(Caller&, Arguments args) {
 }
 
 Value pop(Caller&, Arguments args) {
-    std::vector<Value>& elements = listArg(args[0], "pop: expected a list");
+    Values& elements = listArg(args[0], "pop: expected a list");
     require(!elements.empty(), "pop: list is empty");
     Value last = std::move(elements.back());
     elements.pop_back();
@@ -74,7 +74,7 @@ Value pop(Caller&, Arguments args) {
 
 Value insert(Caller&, Arguments args) {
     require(args[0].isList(), "insert: expected a list");
-    std::vector<Value>& elements = args[0].asList().items;
+    Values& elements = args[0].asList().items;
     const std::optional<std::size_t> place =
         placeFor(truncatedArg(args[1], "insert"), elements.size());
     require(place.has_value(), "insert: index out of range");
@@ -85,7 +85,7 @@ Value insert(Caller&, Arguments args) {
 
 Value removeAt(Caller&, Arguments args) {
     require(args[0].isList(), "remove_at: expected a list");
-    std::vector<Value>& elements = args[0].asList().items;
+    Values& elements = args[0].asList().items;
     const std::optional<std::size_t> place =
         placeFor(truncatedArg(args[1], "remove_at"), elements.size());
     require(place && *place < elements.size(), "remove_at: index out of range");
@@ -112,7 +112,7 @@ Value range(Caller&, Arguments args) {
     require(numbers.step != 0, "range: step cannot be 0");
 
     const std::size_t count = numbers.count();
-    std::vector<Value> elements;
+    Values elements;
     elements.reserve(count);
     for (double x = numbers.start; elements.size() < count; x += numbers.step) {
         elements.push_back(allIntegers ? Value(truncateToInt(x)) : Value(x));
@@ -130,10 +130,10 @@ Value count(Caller&, Arguments args) {
 
 Value zip(Caller&, Arguments args) {
     require(args[0].isList() && args[1].isList(), "zip: expected two lists");
-    const std::vector<Value>& left = args[0].asList().items;
-    const std::vector<Value>& right = args[1].asList().items;
+    const Values& left = args[0].asList().items;
+    const Values& right = args[1].asList().items;
     const std::size_t shorter = std::min(left.size(), right.size());
-    std::vector<Value> pairs;
+    Values pairs;
     pairs.reserve(shorter);
     for (std::size_t i = 0; i < shorter; ++i) {
         pairs.push_back(makeList(pairOf(left[i], right[i])));
@@ -143,7 +143,7 @@ Value zip(Caller&, Arguments args) {
 
 Value enumerate(Caller&, Arguments args) {
     require(args[0].isList(), "enumerate: expected a list");
-    std::vector<Value> pairs;
+    Values pairs;
     pairs.reserve(args[0].asList().items.size());
     for (const Value& element : args[0].asList().items) {
         pairs.push_back(makeList(pairOf(Value(pairs.size()), element)));

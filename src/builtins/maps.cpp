@@ -8,7 +8,7 @@ namespace {
 template <typename Choose>
 Value listOfEntries(MapData& map, Choose choose) {
     checkListLength(map.size());
-    std::vector<Value> elements;
+    Values elements;
     elements.reserve(map.size());
     for (const MapData::Entry& entry : map.entries()) elements.push_back(choose(entry));
     return makeList(std::move(elements));

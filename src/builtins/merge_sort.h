@@ -35,10 +35,10 @@ void mergeSort(T* start, T* end, T* room, IsBefore& isBefore) {
 
 // Sorts by `isBefore(later, earlier)`, asked only with the element that stood later first. When
 // that throws, some elements have been moved out of `elements`.
-template <typename T, typename IsBefore>
-void mergeSort(std::vector<T>& elements, IsBefore isBefore) {
+template <typename T, typename Allocator, typename IsBefore>
+void mergeSort(std::vector<T, Allocator>& elements, IsBefore isBefore) {
     if (elements.size() < 2) return;
-    std::vector<T> room(elements.size() / 2);
+    std::vector<T, Allocator> room(elements.size() / 2);
     mergeSort(elements.data(), elements.data() + elements.size(), room.data(), isBefore);
 }
 

@@ -9,7 +9,7 @@ namespace {
 __extension__ using Wide = unsigned __int128;
 
 std::uint64_t draw() {
-    static std::mt19937_64 generator(std::random_device{}());
+    thread_local std::mt19937_64 generator(std::random_device{}());
     return generator();
 }
 

@@ -8,7 +8,7 @@ namespace {
 
 // Names the pair that inserting one element after the other would meet first: the element that
 // does not fit, then the one at the front.
-void checkComparable(const std::vector<Value>& elements) {
+void checkComparable(const Values& elements) {
     for (std::size_t i = 1; i < elements.size(); ++i) {
         const Value& front = elements.front();
         const Value& next = elements[i];
@@ -21,7 +21,7 @@ void checkComparable(const std::vector<Value>& elements) {
     }
 }
 
-void sortByNature(std::vector<Value>& elements) {
+void sortByNature(Values& elements) {
     checkComparable(elements);
     if (elements.size() < 2) return;
     if (elements.front().isNumber()) {
@@ -36,7 +36,7 @@ void sortByNature(std::vector<Value>& elements) {
 
 Value sort(Caller& caller, Arguments args) {
     // Sorted as they are now: the comparison may change the list, but not this copy.
-    std::vector<Value> elements = listArg(args[0], "sort: expected a list");
+    Values elements = listArg(args[0], "sort: expected a list");
     if (args.size() > 1) {
         mergeSort(elements, [&](const Value& a, const Value& b) {
             Value both[] = {a, b};

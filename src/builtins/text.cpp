@@ -2,6 +2,7 @@
 
 #include "builtins/search.h"
 #include "value/format.h"
+#include "value/heap.h"
 #include "value/limits.h"
 
 #include <algorithm>
@@ -98,7 +99,7 @@ Value listOfPieces(std::size_t length, std::size_t mostPossible, ForEach forEach
         std::size_t count = 0;
         forEach([&](std::string_view) { checkListLength(++count); });
     }
-    std::vector<Value> pieces;
+    Values pieces;
     if (length < worthSharing) {
         forEach([&](std::string_view piece) { pieces.emplace_back(piece); });
     } else {
@@ -144,7 +145,7 @@ Value split(Caller&, Arguments args) {
 }
 
 Value join(Caller&, Arguments args) {
-    const std::vector<Value>& elements = listArg(args[0], "join: first argument must be a list");
+    const Values& elements = listArg(args[0], "join: first argument must be a list");
     const Value noSeparator("");
     const DisplayText given(args.size() > 1 ? args[1] : noSeparator);
     const std::string_view separator = given.view();
@@ -161,6 +162,7 @@ Value join(Caller&, Arguments args) {
         }));
     }
     checkStringLength(length);
+    requireRoom(length);
     std::string joined;
     joined.reserve(length);
     for (std::size_t i = 0; i < elements.size(); ++i) {
@@ -215,7 +217,7 @@ Value chars(Caller&, Arguments args) {
     require(args[0].isString(), "chars: expected a string");
     const std::string_view text = args[0].asText();
     checkListLength(text.size());
-    std::vector<Value> bytes;
+    Values bytes;
     bytes.reserve(text.size());
     for (const char byte : text) {
         bytes.emplace_back(StringObj::oneByte(static_cast<unsigned char>(byte)));

@@ -23,7 +23,7 @@ struct FunctionProto final : Object {
     std::vector<std::uint8_t> code;
     std::vector<std::uint32_t>
         lines;                     // for each byte of the code, that of the node that emitted it
-    std::vector<Value> constants;  // appended on every use, never shared between uses
+    Values constants;  // appended on every use, never shared between uses
     std::vector<Ref<FunctionProto>> functions;  // those written directly inside this one
     std::vector<UpvalueDescriptor> upvalues;    // in capture order
 };

@@ -28,7 +28,7 @@ Value Interpreter::eval(const Expr& expr, Environment& scope) {
 }
 
 Value Interpreter::evalListLit(const ListLitExpr& expr, Environment& scope) {
-    std::vector<Value> elements;
+    Values elements;
     elements.reserve(expr.elements.size());
     for (const ExprPtr& element : expr.elements) elements.push_back(eval(*element, scope));
     return makeList(std::move(elements));
@@ -90,7 +90,7 @@ Value Interpreter::arithmetic(BinaryOp code, std::string_view op, Value left, co
 
 Value Interpreter::evalCall(const CallExpr& expr, Environment& scope) {
     const Value callee = eval(*expr.callee, scope);
-    std::vector<Value> args;
+    Values args;
     args.reserve(expr.args.size());
     for (const ExprPtr& arg : expr.args) args.push_back(eval(*arg, scope));
     return callValue(callee, args, positionOf(expr));

@@ -51,14 +51,14 @@ void concatenateStrings(Value& left, const Value& right) {
 }
 
 void concatenateLists(Value& left, const Value& right) {
-    const std::vector<Value>& tail = right.asList().items;
-    std::vector<Value>& head = left.asList().items;
+    const Values& tail = right.asList().items;
+    Values& head = left.asList().items;
     if (head.size() + tail.size() > maxListLength) throw std::length_error("list");
     if (left.object()->isUnshared() && &head != &tail) {
         head.insert(head.end(), tail.begin(), tail.end());
         return;
     }
-    std::vector<Value> elements;
+    Values elements;
     elements.reserve(head.size() + tail.size());
     elements.insert(elements.end(), head.begin(), head.end());
     elements.insert(elements.end(), tail.begin(), tail.end());
@@ -92,8 +92,8 @@ std::string listIndexMessage(const Value& index, std::size_t length) {
            formatInt(static_cast<std::int64_t>(length)) + ")";
 }
 
-std::vector<Value> bytesOf(std::string_view text) {
-    std::vector<Value> elements;
+Values bytesOf(std::string_view text) {
+    Values elements;
     elements.reserve(text.size());
     for (const char byte : text) {
         elements.emplace_back(StringObj::oneByte(static_cast<unsigned char>(byte)));
@@ -101,8 +101,8 @@ std::vector<Value> bytesOf(std::string_view text) {
     return elements;
 }
 
-std::vector<Value> keysOf(MapData& map) {
-    std::vector<Value> elements;
+Values keysOf(MapData& map) {
+    Values elements;
     elements.reserve(map.size());
     for (const MapData::Entry& entry : map.entries()) elements.push_back(entry.key);
     return elements;
@@ -181,7 +181,7 @@ std::string comparisonMessage(const Value& left, const Value& right) {
 bool tryReadIndex(const Value& object, const Value& index, Value& element) {
     switch (object.kind()) {
         case ValueKind::List: {
-            const std::vector<Value>& items = object.asList().items;
+            const Values& items = object.asList().items;
             const std::size_t position = positionFor(index, items.size());
             if (position >= items.size()) return false;
             element = items[position];
@@ -221,7 +221,7 @@ Value readIndex(const Value& object, const Value& index, Position at) {
 void writeIndex(const Value& object, const Value& index, Value value, Position at) {
     switch (object.kind()) {
         case ValueKind::List: {
-            std::vector<Value>& items = object.asList().items;
+            Values& items = object.asList().items;
             const std::size_t position = positionFor(index, items.size());
             if (position >= items.size()) {
                 throw RuntimeError(listIndexMessage(index, items.size()), at);
@@ -244,7 +244,7 @@ void writeIndex(const Value& object, const Value& index, Value value, Position a
     }
 }
 
-std::vector<Value> elementsToVisit(const Value& iterable, Position at) {
+Values elementsToVisit(const Value& iterable, Position at) {
     try {
         switch (iterable.kind()) {
             case ValueKind::List: return iterable.asList().items;

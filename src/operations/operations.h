@@ -53,6 +53,6 @@ std::string readIndexMessage(const Value& object, const Value& index);
 void writeIndex(const Value& object, const Value& index, Value value, Position at);
 
 // What a for-in visits, as of now: elements of a list, bytes of a string, keys of a map.
-std::vector<Value> elementsToVisit(const Value& iterable, Position at);
+Values elementsToVisit(const Value& iterable, Position at);
 
 }  // namespace pellum

@@ -1,5 +1,6 @@
 #include "value/format.h"
 
+#include "value/heap.h"
 #include "value/limits.h"
 #include "value/map.h"
 #include "value/string.h"
@@ -92,6 +93,7 @@ private:
         isCounted_ = true;
         const std::size_t length = start_ + reprLength(*whole_);
         if (length > maxStringLength) throw std::length_error("text too long");
+        requireRoom(length);
         out_.reserve(length);
     }
 

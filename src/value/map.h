@@ -17,7 +17,7 @@ public:
 
     // In order of first insertion. Replacing a value never moves its entry. Closes the gaps that
     // removals have left, so that whoever walks the entries meets none.
-    const std::vector<Entry>& entries() noexcept {
+    const CellVector<Entry>& entries() noexcept {
         if (gaps_ > 0) closeGaps();
         return entries_;
     }
@@ -78,9 +78,9 @@ private:
     void rebuildIndex(std::size_t slotCount);
     void closeGaps() noexcept;
 
-    std::vector<Entry> entries_;
-    std::vector<Slot> slots_;  // empty while the map is small, else a power of two
-    std::size_t gaps_ = 0;     // entries that have been removed; none while there is no index
+    CellVector<Entry> entries_;
+    CellVector<Slot> slots_;  // empty while the map is small, else a power of two
+    std::size_t gaps_ = 0;    // entries that have been removed; none while there is no index
 };
 
 inline Value::Value(Ref<MapData> map) noexcept : Value(ValueKind::Map, map.leak()) {}

@@ -1,5 +1,7 @@
 #include "value/pool.h"
 
+#include "value/heap.h"
+
 #include <atomic>
 #include <cstdint>
 
@@ -50,35 +52,31 @@ namespace {
 constexpr std::size_t blockSize = std::size_t{32} << 10;
 constexpr std::size_t manyBlocks = 32;
 
-// What is left of the block that cells are being carved from. The rest of an older block is lost,
-// which is less than one cell.
-thread_local char* unused = nullptr;
-thread_local char* unusedEnd = nullptr;
-
 void takeBlock() {
+    if (Heap* const heap = Heap::current()) return heap->takeBlock(cells);
     if (cellBlocks() < manyBlocks) {
-        unused = static_cast<char*>(::operator new(blockSize));
-        unusedEnd = unused + blockSize;
+        cells.unused = static_cast<char*>(::operator new(blockSize));
+        cells.unusedEnd = cells.unused + blockSize;
     } else {
-        unused = static_cast<char*>(::operator new (largePage, std::align_val_t{largePage}));
-        unusedEnd = unused + largePage;
-        preferLargePages(unused, largePage);
+        cells.unused = static_cast<char*>(::operator new (largePage, std::align_val_t{largePage}));
+        cells.unusedEnd = cells.unused + largePage;
+        preferLargePages(cells.unused, largePage);
     }
     blocks.fetch_add(1, std::memory_order_relaxed);
 }
 
 }  // namespace
 
-constinit thread_local FreeCell* freeCells[maxCellSize / cellStep + 1] = {};
+constinit thread_local Cells cells = {};
 
 void* allocateFreshCell(std::size_t size) {
-    if (size > maxCellSize) return ::operator new(size);
+    if (size > maxCellSize) return allocateLarge(size);
     const std::size_t rounded = (size + cellStep - 1) / cellStep * cellStep;
-    if (static_cast<std::size_t>(unusedEnd - unused) < rounded) {
+    if (static_cast<std::size_t>(cells.unusedEnd - cells.unused) < rounded) {
         takeBlock();
     }
-    void* const cell = unused;
-    unused += rounded;
+    void* const cell = cells.unused;
+    cells.unused += rounded;
     return cell;
 }
 

@@ -1,14 +1,13 @@
 #include "value/string.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <cstring>
 #include <exception>
 #include <new>
 #include <random>
 #include <stdexcept>
-#include <unordered_map>
+#include <utility>
 
 namespace pellum {
 
@@ -17,13 +16,13 @@ namespace pellum {
 class StringBuffer {
 public:
     static StringBuffer* make(std::size_t capacity) {
-        void* memory = ::operator new(sizeof(StringBuffer) + capacity);
+        void* memory = allocateCell(sizeof(StringBuffer) + capacity);
         return new (memory) StringBuffer(capacity);
     }
 
     void retain() noexcept { ++references_; }
     void release() noexcept {
-        if (--references_ == 0) ::operator delete(this);
+        if (--references_ == 0) releaseCell(this, sizeof(StringBuffer) + capacity_);
     }
 
     char* data() noexcept { return reinterpret_cast<char*>(this + 1); }
@@ -140,31 +139,50 @@ Ref<StringObj> StringObj::concatenate(Ref<StringObj> left, std::string_view righ
 
 std::uint64_t StringObj::computeHash() const noexcept { return hash_ = hashBytes(view()); }
 
-struct StringObj::Shared {
-    Shared() {
-        for (std::size_t byte = 0; byte < oneByte.size(); ++byte) {
-            oneByte[byte] = makeUninitialized(1);
-            oneByte[byte]->inline_[0] = static_cast<char>(byte);
-        }
+SharedStrings::SharedStrings() : empty_(StringObj::makeUninitialized(0)) {
+    for (std::size_t byte = 0; byte < oneByte_.size(); ++byte) {
+        oneByte_[byte] = StringObj::makeUninitialized(1);
+        oneByte_[byte]->inline_[0] = static_cast<char>(byte);
     }
-    ~Shared() { oneByteStrings = nullptr; }
+}
 
-    Ref<StringObj> empty = makeUninitialized(0);
-    std::array<Ref<StringObj>, 256> oneByte;
-};
+SharedStrings::~SharedStrings() {
+    if (StringObj::oneByteStrings == oneByte_.data()) StringObj::oneByteStrings = nullptr;
+}
 
-const StringObj::Shared& StringObj::shared() {
-    thread_local const Shared strings;
-    return strings;
+constinit thread_local SharedStrings* SharedStrings::inUse = nullptr;
+
+SharedStrings& SharedStrings::current() {
+    if (inUse) return *inUse;
+    thread_local SharedStrings ofTheThread;
+    return ofTheThread;
+}
+
+SharedStrings* SharedStrings::use(SharedStrings* strings) noexcept {
+    StringObj::oneByteStrings = strings ? strings->oneByte_.data() : nullptr;
+    return std::exchange(inUse, strings);
+}
+
+const Ref<StringObj>& SharedStrings::intern(std::string_view text) {
+    auto found = interned_.find(text);
+    if (found == interned_.end()) {
+        Ref<StringObj> string = StringObj::make(text);
+        found = interned_.emplace(string->view(), string).first;
+    }
+    return found->second;
+}
+
+void SharedStrings::forgetUnused() noexcept {
+    std::erase_if(interned_, [](const auto& entry) { return entry.second->isUnshared(); });
 }
 
 constinit thread_local const Ref<StringObj>* StringObj::oneByteStrings = nullptr;
 
 const Ref<StringObj>* StringObj::makeOneByteStrings() {
-    return oneByteStrings = shared().oneByte.data();
+    return oneByteStrings = SharedStrings::current().oneByte_.data();
 }
 
-const Ref<StringObj>& StringObj::empty() { return shared().empty; }
+const Ref<StringObj>& StringObj::empty() { return SharedStrings::current().empty_; }
 
 namespace {
 
@@ -234,14 +252,6 @@ std::uint32_t hashWord(std::uint64_t word) noexcept {
     return finishHash(mix(seed[0] ^ word, seed[1]));
 }
 
-Symbol::Symbol(std::string_view text) {
-    thread_local std::unordered_map<std::string_view, Ref<StringObj>> interned;
-    auto found = interned.find(text);
-    if (found == interned.end()) {
-        Ref<StringObj> string = StringObj::make(text);
-        found = interned.emplace(string->view(), string).first;
-    }
-    string_ = found->second;
-}
+Symbol::Symbol(std::string_view text) : string_(SharedStrings::current().intern(text)) {}
 
 }  // namespace pellum

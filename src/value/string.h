@@ -8,6 +8,9 @@
 #include "value/limits.h"
 #include "value/value.h"
 
+#include <array>
+#include <unordered_map>
+
 namespace pellum {
 
 inline constexpr std::size_t maxStringLength = limit(0x7FFF'FFFF, 10'000);
@@ -60,6 +63,8 @@ public:
     static void operator delete(void* memory) noexcept { releaseCell(memory, sizeOfTheDead); }
 
 private:
+    friend class SharedStrings;
+
     StringObj() noexcept = default;
     ~StringObj() override;
 
@@ -71,9 +76,6 @@ private:
         return sizeof(StringObj) +
                (inlineLength > sizeof(inline_) ? inlineLength - sizeof(inline_) : 0);
     }
-
-    struct Shared;
-    static const Shared& shared();
 
     bool isInline() const noexcept { return bytes_ == inline_; }
     bool canGrowBy(std::size_t count) const noexcept;
@@ -88,6 +90,37 @@ private:
         char inline_[8];  // the bytes of a short string start here and run past the object's end
         StringBuffer* buffer_;
     };
+};
+
+// The strings that all others may be: those of one byte and of none, and the interned ones. Each
+// thread has its own until it is told to use others.
+class SharedStrings {
+public:
+    SharedStrings();
+    ~SharedStrings();
+    SharedStrings(const SharedStrings&) = delete;
+    SharedStrings& operator=(const SharedStrings&) = delete;
+
+    static SharedStrings& current();
+
+    // Makes this thread use these, or its own where there are none; answers what it used before.
+    static SharedStrings* use(SharedStrings* strings) noexcept;
+
+    // The one string with this text that all who ask get.
+    const Ref<StringObj>& intern(std::string_view text);
+
+    // Drops the interned strings that nobody holds. REQUIRES: nobody who points at one without
+    // holding it goes on using it.
+    void forgetUnused() noexcept;
+
+private:
+    friend class StringObj;
+
+    static constinit thread_local SharedStrings* inUse;
+
+    Ref<StringObj> empty_;
+    std::array<Ref<StringObj>, 256> oneByte_;
+    std::unordered_map<std::string_view, Ref<StringObj>> interned_;
 };
 
 // Whether two strings have the same bytes. Where they differ their first bytes usually tell.
@@ -114,8 +147,8 @@ std::uint32_t hashBytes(std::string_view bytes) noexcept;
 std::uint32_t hashWord(std::uint64_t word) noexcept;
 
 // A name or literal of a program, interned: equal texts share one StringObj, so symbols compare by
-// address, and a field access finds its key by address too. Interned strings live until the thread
-// ends.
+// address, and a field access finds its key by address too. Interned strings live as long as the
+// `SharedStrings` that they belong to.
 class Symbol {
 public:
     Symbol() : string_(StringObj::empty()) {}

@@ -55,6 +55,6 @@ const char* typeName(const Value& value) noexcept {
     return "function";
 }
 
-Value makeList(std::vector<Value> elements) { return Value(makeRef<ListObj>(std::move(elements))); }
+Value makeList(Values elements) { return Value(makeRef<ListObj>(std::move(elements))); }
 
 }  // namespace pellum

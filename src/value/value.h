@@ -14,7 +14,6 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace pellum {
 
@@ -147,13 +146,15 @@ static_assert(sizeof(Value) == 16);
 
 inline constexpr std::size_t maxListLength = limit(std::size_t{1} << 28, std::size_t{3'000});
 
+using Values = CellVector<Value>;
+
 // The elements of a list. A list is nothing but its shared vector. Its length stays within
 // maxListLength: what would make a longer one throws std::length_error first.
 struct ListObj final : Object {
     ListObj() = default;
-    explicit ListObj(std::vector<Value>&& elements) noexcept : items(std::move(elements)) {}
+    explicit ListObj(Values&& elements) noexcept : items(std::move(elements)) {}
 
-    std::vector<Value> items;
+    Values items;
 };
 
 // What the three kinds of function have in common for those that only print them.
@@ -203,7 +204,7 @@ bool keysEqual(const Value& a, const Value& b) noexcept;
 // "nil", "bool", "number", "string", "list", "map" or "function".
 const char* typeName(const Value& value) noexcept;
 
-Value makeList(std::vector<Value> elements);
+Value makeList(Values elements);
 
 inline std::size_t listLength(const ListObj& list) noexcept { return list.items.size(); }
 

@@ -2,9 +2,6 @@
 #pragma once
 
 #include "compiler/function_proto.h"
-
-#include <vector>
-
 namespace pellum {
 
 // A captured variable: a slot of the value stack while that slot lives, then a value of its own.
@@ -33,8 +30,8 @@ struct VMClosure final : CallableObj {
     std::string_view functionName() const noexcept override { return proto->name; }
 
     Ref<FunctionProto> proto;
-    std::vector<Ref<Upvalue>> upvalues;  // one for each descriptor of the prototype
-    RegisterCode* code = nullptr;        // the machine's, once it has run the prototype
+    CellVector<Ref<Upvalue>> upvalues;  // one for each descriptor of the prototype
+    RegisterCode* code = nullptr;       // the machine's, once it has run the prototype
 };
 
 }  // namespace pellum

@@ -39,7 +39,7 @@ public:
 private:
     std::deque<GlobalCell> cells_;
     std::unordered_map<const StringObj*, GlobalCell*> byName_;
-    std::vector<Value> natives_;  // kept, since one may be forgotten while it runs
+    Values natives_;  // kept, since one may be forgotten while it runs
 };
 
 }  // namespace pellum

@@ -50,7 +50,7 @@ private:
 
     // A constant, or a global.
     static std::string pointed(const RegisterCode& code, const Value* pointer) {
-        const std::vector<Value>& constants = code.proto->constants;
+        const Values& constants = code.proto->constants;
         const bool isConstant = !std::less<>()(pointer, constants.data()) &&
                                 std::less<>()(pointer, constants.data() + constants.size());
         return isConstant || isLiteral(pointer) ? toReprString(*pointer) : globalName(pointer);

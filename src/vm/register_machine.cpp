@@ -70,7 +70,7 @@ template <typename Number>
 // The element of a list that a plain index means, or null.
 [[gnu::always_inline]] inline Value* elementAt(const Value& object, const Value& index) noexcept {
     if (!object.isList() || !index.isInt()) return nullptr;
-    std::vector<Value>& items = object.asList().items;
+    Values& items = object.asList().items;
     const auto position = static_cast<std::uint64_t>(index.asInt());
     return position < items.size() ? &items[position] : nullptr;
 }
@@ -430,7 +430,7 @@ advance : {
     NEXT();
 }
     ARM(FOR_IN_TEST) {
-        const std::vector<Value>& items = R(pc->c).asList().items;
+        const Values& items = R(pc->c).asList().items;
         const auto position = static_cast<std::uint64_t>(R(pc->b).asInt());
         if (position >= items.size()) {
             JUMP_TO(pc->extra);
@@ -439,7 +439,7 @@ advance : {
         NEXT();
     }
     ARM(FOR_IN_LOOP) {
-        const std::vector<Value>& items = R(pc->c).asList().items;
+        const Values& items = R(pc->c).asList().items;
         const auto position = static_cast<std::uint64_t>(R(pc->b).asInt()) + 1;
         R(pc->b).become(static_cast<std::int64_t>(position));
         if (position < items.size()) {

@@ -179,7 +179,7 @@ void VM::callValue(std::size_t argCount, Position at) {
 
 void VM::callNativeOnTop(const NativeObj& native, std::size_t argCount, Position at) {
     // The arguments stay on the stack while the native runs, even those that it moves from.
-    std::vector<Value> args(stack_.top() - argCount, stack_.top());
+    Values args(stack_.top() - argCount, stack_.top());
     Value result = callNative(native, *this, args, at);
     stack_.resize(stack_.size() - argCount);
     stack_.peek() = std::move(result);

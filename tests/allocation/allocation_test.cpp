@@ -217,7 +217,7 @@ TEST(Allocation, ErrorsNameWhoAskedForMemory) {
     };
     const std::string values =
         "let text = repeat(\"some text that is longer than a few bytes\", 9)\n"
-        "let list = [1, 2, 3]\nlet map_ = {a: 1}\n";
+        "let list = range(32)\nlet map_ = {}\nfor i in list do map_[i] = i end\n";
     for (const Engine engine : bothEngines) {
         for (const Row& row : rows) {
             const std::string attempt = std::string(row.statement) + "\n";

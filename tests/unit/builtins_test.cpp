@@ -17,7 +17,7 @@ namespace {
 using test::FakeCaller;
 
 // What the call ends with: the value's repr form, or "error <line>:<column>: <message>".
-std::string outcome(FakeCaller& caller, std::string_view name, std::vector<Value> args) {
+std::string outcome(FakeCaller& caller, std::string_view name, Values args) {
     try {
         return toReprString(caller.run(name, std::move(args)));
     } catch (const RuntimeError& error) {
@@ -26,12 +26,12 @@ std::string outcome(FakeCaller& caller, std::string_view name, std::vector<Value
     }
 }
 
-std::string outcome(std::string_view name, std::vector<Value> args) {
+std::string outcome(std::string_view name, Values args) {
     FakeCaller caller;
     return outcome(caller, name, std::move(args));
 }
 
-Value list(std::vector<Value> elements) { return makeList(std::move(elements)); }
+Value list(Values elements) { return makeList(std::move(elements)); }
 
 std::string nameAndArity(const Builtin& row) {
     std::string text = row.name;
@@ -82,7 +82,7 @@ TEST(Catalogue, IsRegisteredWithItsConstants) {
 
 TEST(NativeCall, ReportsAWrongCountAtTheCall) {
     EXPECT_EQ(outcome("len", {}), "error 7:3: len() expects 1 argument(s), got 0");
-    EXPECT_EQ(outcome("range", std::vector<Value>(4, Value(1))),
+    EXPECT_EQ(outcome("range", Values(4, Value(1))),
               "error 7:3: range() expects 1-3 argument(s), got 4");
     EXPECT_EQ(outcome("max", {}), "error 7:3: max() expects 1+ argument(s), got 0");
     EXPECT_EQ(outcome("clock", {Value()}), "error 7:3: clock() expects 0 argument(s), got 1");
@@ -94,7 +94,7 @@ TEST(NativeCall, ReportsAFailureOfTheNativeWithoutAPlace) {
 
 TEST(NativeCall, ReportsExhaustionInTheNameOfTheNative) {
     FakeCaller caller;
-    std::vector<Value> args;
+    Values args;
     const auto messageOf = [&](NativeFunction fn) {
         try {
             callNative(NativeObj("greedy", fn, 0, unlimited), caller, args, Position{1, 1});
@@ -122,7 +122,7 @@ TEST(NativeCall, RefusesWhatWouldBeTooLargeAtOnce) {
 
     FakeCaller caller;
     const Value longText = caller.run("repeat", {Value("x"), Value(1 << 20)});
-    const std::vector<Value> many(2048, longText);
+    const Values many(2048, longText);
     EXPECT_EQ(outcome("join", {list(many)}), "error 0:0: join: result too large");
     EXPECT_EQ(outcome("replace", {longText, Value("x"), Value("0123456789abcdef")}).size(),
               (std::size_t{1} << 24) + 2);
@@ -201,7 +201,7 @@ TEST(NativeCall, AnElementMayBeTheLastThatHoldsItsContainer) {
 
 TEST(NativeCall, CallbacksSeeTheElementsOfTheCall) {
     const Value xs = list({Value(1), Value(2), Value(3)});
-    FakeCaller caller([&](std::vector<Value>& args) {
+    FakeCaller caller([&](Values& args) {
         xs.asList().items.clear();
         return Value(args.back().asInt() != 2);
     });
@@ -304,7 +304,7 @@ TEST(Console, PrintDoesNotTurnAFailingDeviceIntoAnErrorOfTheProgram) {
     Engine engine(console);
     const Builtin& print = builtinCatalogue()[0];
     const NativeObj native(print.name, print.fn, print.minArity, print.maxArity);
-    std::vector<Value> args{Value("abc")};
+    Values args{Value("abc")};
     EXPECT_THROW(callNative(native, engine, args, Position{}), OutputError);
 }
 

@@ -21,7 +21,7 @@ struct StringConsole {
 
 class FakeCaller : private detail::StringConsole, public Caller {
 public:
-    using Answer = std::function<Value(std::vector<Value>& args)>;
+    using Answer = std::function<Value(Values& args)>;
 
     // `answer` stands for every function that is called back.
     explicit FakeCaller(Answer answer = {})
@@ -29,12 +29,12 @@ public:
 
     Value call(const Value&, std::span<Value> args) override {
         ++calls_;
-        std::vector<Value> given(args.begin(), args.end());
+        Values given(args.begin(), args.end());
         return answer_(given);
     }
 
     // Calls the builtin of that name as an engine would, at line 7, column 3.
-    Value run(std::string_view name, std::vector<Value> args) {
+    Value run(std::string_view name, Values args) {
         for (const Builtin& row : builtinCatalogue()) {
             if (row.name != name) continue;
             const NativeObj native(row.name, row.fn, row.minArity, row.maxArity);

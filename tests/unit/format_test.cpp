@@ -425,7 +425,7 @@ TEST(Format, ListsDeepInEachOther) {
     constexpr std::size_t depth = limit(1'000'000, 5'000);
     Value deep = makeList({});
     for (std::size_t i = 1; i < depth; ++i) {
-        std::vector<Value> elements;
+        Values elements;
         elements.push_back(std::move(deep));
         deep = makeList(std::move(elements));
     }
@@ -439,7 +439,7 @@ TEST(Format, MapsAndListsDeepInEachOther) {
     for (std::size_t i = 0; i < pairs; ++i) {
         auto map = makeRef<MapData>();
         map->set(Value("k"), std::move(deep));
-        std::vector<Value> elements;
+        Values elements;
         elements.push_back(Value(std::move(map)));
         deep = makeList(std::move(elements));
     }

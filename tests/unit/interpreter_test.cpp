@@ -26,7 +26,7 @@ public:
     std::string runTree(Block program) {
         return ending([&] { return interpreter_.run(programs_.emplace_back(std::move(program))); });
     }
-    std::string call(const Value& callee, std::vector<Value> args) {
+    std::string call(const Value& callee, Values args) {
         return ending([&] { return interpreter_.call(callee, args); });
     }
     std::string printed() const { return memory_.out.str(); }

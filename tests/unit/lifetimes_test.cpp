@@ -44,7 +44,7 @@ TEST(Lifetimes, NothingStaysInFreeSlots) {
                 vm.run(compileText("function long() return repeat(\"x\", 10000) end\nfunction "
                                    "work()\nlet a = 1\nlet b = 2\n" +
                                    body + "\nend\n" + wipe + "end\nreturn [work, wipe]"));
-            const std::vector<Value>& functions = made.asList().items;
+            const Values& functions = made.asList().items;
             // What is made once is made now.
             callWith(vm, functions[0], {});
             callWith(vm, functions[1], {});

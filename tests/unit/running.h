@@ -21,7 +21,7 @@ inline Ref<FunctionProto> compileText(std::string_view source) {
 }
 
 // A call from outside, with arguments made for it.
-inline Value callWith(Caller& caller, const Value& callee, std::vector<Value> args) {
+inline Value callWith(Caller& caller, const Value& callee, Values args) {
     return caller.call(callee, args);
 }
 

@@ -22,15 +22,15 @@ const Value anyFunction = Value(Ref<CallableObj>(makeRef<NativeObj>(
     "stands for any", [](Caller&, Arguments) { return Value(); }, 0, 0)));
 
 // The elements of the sorted list, each as an integer.
-std::vector<std::int64_t> sortedBy(FakeCaller& caller, std::vector<Value> elements) {
+std::vector<std::int64_t> sortedBy(FakeCaller& caller, Values elements) {
     std::vector<std::int64_t> sorted;
     const Value result = caller.run("sort", {makeList(std::move(elements)), anyFunction});
     for (const Value& element : result.asList().items) sorted.push_back(element.asInt());
     return sorted;
 }
 
-std::vector<Value> numbersBelow(int count) {
-    std::vector<Value> numbers;
+Values numbersBelow(int count) {
+    Values numbers;
     for (int n = 0; n < count; ++n) numbers.emplace_back(n);
     return numbers;
 }
@@ -38,15 +38,15 @@ std::vector<Value> numbersBelow(int count) {
 TEST(Sort, IsStableOnRandomElements) {
     std::mt19937 random(4711);
     FakeCaller caller(
-        [](std::vector<Value>& args) { return Value(keyOf(args[0]) < keyOf(args[1])); });
+        [](Values& args) { return Value(keyOf(args[0]) < keyOf(args[1])); });
     for (std::size_t count = 0; count < 200; ++count) {
-        std::vector<Value> elements;
+        Values elements;
         for (std::size_t i = 0; i < count; ++i) {
             elements.push_back(keyed(static_cast<int>(random() % 10), static_cast<int>(i)));
         }
         const Value given = makeList(elements);
         const Value sorted = caller.run("sort", {given, anyFunction});
-        const std::vector<Value>& after = sorted.asList().items;
+        const Values& after = sorted.asList().items;
         ASSERT_EQ(after.size(), count);
         for (std::size_t i = 1; i < count; ++i) {
             const auto rank = [&](std::size_t at) {
@@ -65,8 +65,8 @@ TEST(Sort, ComparesNLogNTimesAtMost) {
     std::mt19937 random(1);
     for (const std::size_t count : {2U, 3U, 10U, 1000U, 4096U, 5000U}) {
         FakeCaller caller(
-            [](std::vector<Value>& args) { return Value(args[0].asInt() < args[1].asInt()); });
-        std::vector<Value> elements;
+            [](Values& args) { return Value(args[0].asInt() < args[1].asInt()); });
+        Values elements;
         for (std::size_t i = 0; i < count; ++i) elements.emplace_back(random());
         sortedBy(caller, elements);
         const double bound =
@@ -78,7 +78,7 @@ TEST(Sort, ComparesNLogNTimesAtMost) {
 
 TEST(Sort, AsksWithTheLaterElementFirst) {
     std::vector<std::pair<std::int64_t, std::int64_t>> asked;
-    FakeCaller caller([&](std::vector<Value>& args) {
+    FakeCaller caller([&](Values& args) {
         asked.emplace_back(args[0].asInt(), args[1].asInt());
         return Value(false);
     });
@@ -96,10 +96,10 @@ TEST(Sort, DoesNotCompareLessThanTwoElements) {
 TEST(Sort, KeepsEveryElementWhateverTheAnswers) {
     std::mt19937 random(99);
     const FakeCaller::Answer answers[] = {
-        [](std::vector<Value>&) { return Value(true); },
-        [](std::vector<Value>&) { return Value(); },
-        [&](std::vector<Value>&) { return Value(random() % 2 == 0); },
-        [](std::vector<Value>& args) { return Value(args[0].asInt() % 7 != args[1].asInt() % 5); },
+        [](Values&) { return Value(true); },
+        [](Values&) { return Value(); },
+        [&](Values&) { return Value(random() % 2 == 0); },
+        [](Values& args) { return Value(args[0].asInt() % 7 != args[1].asInt() % 5); },
     };
     for (const FakeCaller::Answer& answer : answers) {
         for (const int count : {2, 3, 17, 64, 1000}) {
@@ -114,7 +114,7 @@ TEST(Sort, KeepsEveryElementWhateverTheAnswers) {
 
 TEST(Sort, AComparisonMayChangeTheList) {
     const Value list = makeList(numbersBelow(100));
-    FakeCaller caller([&](std::vector<Value>& args) {
+    FakeCaller caller([&](Values& args) {
         list.asList().items.clear();
         list.asList().items.shrink_to_fit();
         return Value(args[0].asInt() > args[1].asInt());
@@ -130,14 +130,14 @@ TEST(Sort, AComparisonMayThrowAtAnyTime) {
     for (std::size_t last = 1; hasThrown; ++last) {
         std::size_t calls = 0;
         hasThrown = false;
-        FakeCaller caller([&](std::vector<Value>& args) {
+        FakeCaller caller([&](Values& args) {
             if (++calls == last) {
                 hasThrown = true;
                 throw ThrownValue{Value("enough")};
             }
             return Value(args[0].asText() < args[1].asText());
         });
-        std::vector<Value> texts;
+        Values texts;
         for (const char* text : {"whatever", "is", "thrown", "here", "goes", "through", "unchanged",
                                  "and", "leaks", "nothing", "of", "the", "elements", "at", "all"}) {
             texts.emplace_back(text);
@@ -162,14 +162,14 @@ TEST(Sort, NaNHarmsNothing) {
     std::mt19937 random(5);
     FakeCaller caller;
     for (int round = 0; round < 50; ++round) {
-        std::vector<Value> elements;
+        Values elements;
         for (int i = 0; i < 100; ++i) {
             elements.push_back(random() % 3 == 0 ? Value(nan) : Value(static_cast<double>(i)));
         }
         const auto isNaN = [](const Value& value) { return std::isnan(value.asFloat()); };
         const auto before = std::count_if(elements.begin(), elements.end(), isNaN);
         const Value sorted = caller.run("sort", {makeList(std::move(elements))});
-        const std::vector<Value>& after = sorted.asList().items;
+        const Values& after = sorted.asList().items;
         ASSERT_EQ(after.size(), 100U);
         ASSERT_EQ(std::count_if(after.begin(), after.end(), isNaN), before);
     }

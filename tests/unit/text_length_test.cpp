@@ -15,7 +15,7 @@ namespace pellum::test {
 
 namespace {
 
-Value listOf(std::vector<Value> elements) { return makeList(std::move(elements)); }
+Value listOf(Values elements) { return makeList(std::move(elements)); }
 
 Value doubled(int times) {
     Value list = listOf({Value(1)});
@@ -58,9 +58,9 @@ TEST(TextLength, LongStringsThatAreSharedAreCountedOnce) {
     constexpr std::size_t length = limit(1 << 20, 4);
     constexpr std::size_t count = limit(1000, 800);
     const Value text(std::string(length, '\n'));
-    const std::vector<Value> many(count, text);
+    const Values many(count, text);
     EXPECT_EQ(reprLength(listOf(many)), count * (2 * length + 2 + 2));
-    EXPECT_THROW(reprLength(listOf(std::vector<Value>(1'000'000, text))), std::length_error);
+    EXPECT_THROW(reprLength(listOf(Values(1'000'000, text))), std::length_error);
 }
 
 TEST(TextLength, WhatHasBeenThereBeforeCounts) {
@@ -107,7 +107,7 @@ public:
         }
     }
 
-    std::vector<Value> all;
+    Values all;
 
 private:
     static Value plain(std::mt19937_64& random) {
@@ -125,8 +125,8 @@ private:
             map.set(Value("key " + std::to_string(map.size())), std::move(element));
         }
     }
-    static std::vector<Value> keysOf(MapData& map) {
-        std::vector<Value> keys;
+    static Values keysOf(MapData& map) {
+        Values keys;
         for (const MapData::Entry& entry : map.entries()) keys.push_back(entry.key);
         return keys;
     }

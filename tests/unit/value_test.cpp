@@ -30,7 +30,7 @@ struct NamedFunction final : CallableObj {
 Value functionOf(ValueKind kind) { return Value(Ref<CallableObj>(makeRef<NamedFunction>(kind))); }
 
 // One value of each kind, in the order of the kinds.
-std::vector<Value> oneOfEach() {
+Values oneOfEach() {
     return {Value(),
             Value(true),
             Value(1),
@@ -44,7 +44,7 @@ std::vector<Value> oneOfEach() {
 }
 
 TEST(Value, KindsHaveFixedNumbers) {
-    const std::vector<Value> values = oneOfEach();
+    const Values values = oneOfEach();
     for (std::size_t i = 0; i < values.size(); ++i) {
         EXPECT_EQ(static_cast<std::size_t>(values[i].kind()), i);
     }
@@ -52,7 +52,7 @@ TEST(Value, KindsHaveFixedNumbers) {
 }
 
 TEST(Value, KindTestsAnswerForTheirKindAlone) {
-    const std::vector<Value> values = oneOfEach();
+    const Values values = oneOfEach();
     for (std::size_t i = 0; i < values.size(); ++i) {
         const Value& value = values[i];
         EXPECT_EQ(value.isNil(), i == 0) << i;
@@ -71,7 +71,7 @@ TEST(Value, KindTestsAnswerForTheirKindAlone) {
 TEST(Value, TypeNames) {
     const char* const names[] = {"nil",  "bool", "number",   "number",   "string",
                                  "list", "map",  "function", "function", "function"};
-    const std::vector<Value> values = oneOfEach();
+    const Values values = oneOfEach();
     for (std::size_t i = 0; i < values.size(); ++i) EXPECT_STREQ(typeName(values[i]), names[i]);
 }
 
@@ -119,7 +119,7 @@ TEST(Value, AsNumberConvertsIntegers) {
 }
 
 TEST(Value, AccessorsRefuseOtherKinds) {
-    const std::vector<Value> values = oneOfEach();
+    const Values values = oneOfEach();
     for (std::size_t i = 0; i < values.size(); ++i) {
         SCOPED_TRACE(i);
         const Value& value = values[i];
@@ -241,7 +241,7 @@ TEST(Value, ContainersAndFunctionsEqualThemselvesButAreNoKeys) {
 }
 
 TEST(Value, DifferentKindsAreNeverEqualExceptTheTwoOfNumbers) {
-    const std::vector<Value> values = oneOfEach();
+    const Values values = oneOfEach();
     for (std::size_t i = 0; i < values.size(); ++i) {
         for (std::size_t j = 0; j < values.size(); ++j) {
             if (i == j) continue;
@@ -313,7 +313,7 @@ TEST(Value, AMillionListsInEachOtherAreReleased) {
     const Value last = makeList({});
     Value chain = last;
     for (int i = 0; i < chainLength; ++i) {
-        std::vector<Value> elements;
+        Values elements;
         elements.push_back(std::move(chain));
         chain = makeList(std::move(elements));
     }
@@ -340,7 +340,7 @@ TEST(Value, AWideTreeIsReleased) {
     const Value leaf = makeList({});
     Value tree = leaf;
     for (int level = 0; level < 5; ++level) {
-        std::vector<Value> branches;
+        Values branches;
         for (int i = 0; i < 10; ++i) {
             branches.push_back(makeList({tree, Value("text long enough to be allocated")}));
         }
