@@ -25,7 +25,12 @@ void Console::write(std::string_view text) {
         stopIfInterrupted();
         const std::string_view piece = text.substr(0, pieceLength);
         errno = 0;
-        out_.write(piece.data(), static_cast<std::streamsize>(piece.size()));
+        try {
+            out_.write(piece.data(), static_cast<std::streamsize>(piece.size()));
+        } catch (...) {  // where the stream lets that pass, it may go on afterwards
+            out_.clear();
+            throw;
+        }
         throwIfFailed(out_);
         text.remove_prefix(piece.size());
     } while (!text.empty());

@@ -8,11 +8,11 @@ namespace pellum {
 namespace {
 
 // "1+", "1-3" or "2".
-std::string expectedCount(const NativeObj& native) {
-    const std::string minimum = std::to_string(native.minArity);
-    if (native.maxArity == unlimited) return minimum + "+";
-    if (native.maxArity == native.minArity) return minimum;
-    return minimum + "-" + std::to_string(native.maxArity);
+std::string expectedCount(std::int32_t least, std::int32_t most) {
+    const std::string minimum = std::to_string(least);
+    if (most == unlimited) return minimum + "+";
+    if (most == least) return minimum;
+    return minimum + "-" + std::to_string(most);
 }
 
 }  // namespace
@@ -27,7 +27,7 @@ RuntimeError arityError(std::string_view name, std::string_view expected, std::s
 }
 
 RuntimeError arityError(const NativeObj& native, std::size_t count, Position at) {
-    return arityError(native.name, expectedCount(native), count, at);
+    return arityError(native.name, expectedCount(native.minArity, native.maxArity), count, at);
 }
 
 void Caller::throwFailure() {
@@ -47,9 +47,25 @@ void rethrowFrom(const NativeObj& native) {
     }
 }
 
+Value runUnaccepted(const NativeObj& native, Caller& caller, Arguments args, Position at) {
+    if (!native.host) throw arityError(native, args.size(), at);
+    HostFunction& host = *native.host;
+    const bool isEnough = args.size() >= static_cast<std::size_t>(host.minArity);
+    const bool isTooMany =
+        host.maxArity != unlimited && args.size() > static_cast<std::size_t>(host.maxArity);
+    if (!isEnough || isTooMany) {
+        throw arityError(native.name, expectedCount(host.minArity, host.maxArity), args.size(), at);
+    }
+    try {
+        return host.call(caller, args);
+    } catch (...) {
+        rethrowFrom(native);
+    }
+}
+
 Value callNative(const NativeObj& native, Caller& caller, Arguments args, Position at) {
-    if (!native.accepts(args.size())) throw arityError(native, args.size(), at);
-    Value result = runNative(native, caller, args);
+    Value result = native.accepts(args.size()) ? runNative(native, caller, args)
+                                               : runUnaccepted(native, caller, args, at);
     if (caller.hasFailed()) caller.throwFailure();
     return result;
 }

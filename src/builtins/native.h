@@ -7,6 +7,7 @@
 #include "value/string.h"
 #include "value/value.h"
 
+#include <limits>
 #include <span>
 #include <string>
 
@@ -67,6 +68,17 @@ using NativeFunction = Value (*)(Caller&, Arguments args);
 
 inline constexpr std::int32_t unlimited = -1;
 
+// A function of a program that embeds an engine. Fails as natives do.
+struct HostFunction {
+    virtual Value call(Caller& caller, Arguments args) = 0;
+
+    std::int32_t minArity = 0;
+    std::int32_t maxArity = unlimited;
+
+protected:
+    ~HostFunction() = default;
+};
+
 struct NativeObj final : CallableObj {
     NativeObj(std::string_view nativeName, NativeFunction function, std::int32_t minimum,
               std::int32_t maximum)
@@ -75,6 +87,11 @@ struct NativeObj final : CallableObj {
           fn(function),
           minArity(minimum),
           maxArity(maximum) {}
+    // Stands for a function of the host. REQUIRES: that outlives this.
+    NativeObj(std::string_view nativeName, HostFunction& function)
+        : NativeObj(nativeName, nullptr, acceptsNone, acceptsNone) {
+        host = &function;
+    }
 
     std::string_view functionName() const noexcept override { return name; }
 
@@ -87,6 +104,12 @@ struct NativeObj final : CallableObj {
     NativeFunction fn;
     std::int32_t minArity;
     std::int32_t maxArity;  // or `unlimited`
+    // Null for builtins. With it `accepts` is always false, so that nobody who calls a builtin has
+    // to ask about this.
+    HostFunction* host = nullptr;
+
+private:
+    static constexpr std::int32_t acceptsNone = std::numeric_limits<std::int32_t>::max();
 };
 
 // The error of a call with the wrong number of arguments, in either engine: "<name>() expects
@@ -109,6 +132,10 @@ inline Value runNative(const NativeObj& native, Caller& caller, Arguments args) 
         rethrowFrom(native);
     }
 }
+
+// Runs a native that does not accept so many arguments: the host's function behind it, which may
+// leave a failure with the caller, or there is none that does, and that is an error at `at`.
+Value runUnaccepted(const NativeObj& native, Caller& caller, Arguments args, Position at);
 
 // Checks the number of arguments, runs the native, and throws whatever goes wrong. A wrong number
 // is reported at `at`.

@@ -26,6 +26,7 @@ struct FunctionProto final : Object {
     Values constants;  // appended on every use, never shared between uses
     std::vector<Ref<FunctionProto>> functions;  // those written directly inside this one
     std::vector<UpvalueDescriptor> upvalues;    // in capture order
+    Ref<Object> origin;  // what an embedding program knows the source by, or null
 };
 
 inline std::uint16_t readU16(const std::uint8_t* bytes) noexcept {

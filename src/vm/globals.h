@@ -14,7 +14,7 @@ namespace pellum {
 struct GlobalCell {
     Value value;
     bool isDefined = false;
-    const StringObj* name = nullptr;
+    Ref<StringObj> name;
 };
 
 class Globals {
@@ -24,9 +24,15 @@ public:
         GlobalCell*& cell = byName_[&name];
         if (!cell) {
             cell = &cells_.emplace_back();
-            cell->name = &name;
+            cell->name = Ref<StringObj>(const_cast<StringObj*>(&name));
         }
         return *cell;
+    }
+
+    // The value of a global that is defined, or null.
+    const Value* find(const Symbol& name) const {
+        const auto found = byName_.find(name.string().get());
+        return found != byName_.end() && found->second->isDefined ? &found->second->value : nullptr;
     }
 
     void define(const Symbol& name, Value value) {

@@ -94,6 +94,7 @@ namespace pellum {
     OP(RETURN_P)                                   \
     OP(TRY_BEGIN)                                  \
     OP(TRY_END)                                    \
+    OP(STEP)                                       \
     OP(EXIT)
 
 enum class RegisterOp : std::uint32_t {

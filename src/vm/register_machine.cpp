@@ -635,6 +635,11 @@ leave : {
         vm->leaveTry();
         NEXT();
     }
+    ARM(STEP) {
+        SAVE();
+        vm->steps_.take();
+        NEXT();
+    }
     ARM(EXIT) { return nullptr; }
 
 #if !defined(PELLUM_LABELS_AS_VALUES)

@@ -48,8 +48,9 @@ bool VM::callSlowly(Value* callee, std::size_t argCount) {
 // The result goes where the callee would be, just below the arguments.
 bool VM::callNativeAt(Value* to, const NativeObj& native, std::size_t argCount) {
     stack_.setTop(to + 1 + argCount);
-    if (!native.accepts(argCount)) throw arityError(native, argCount, position());
-    Value result = runNative(native, *this, {to + 1, argCount});
+    Value result = native.accepts(argCount)
+                       ? runNative(native, *this, {to + 1, argCount})
+                       : runUnaccepted(native, *this, {to + 1, argCount}, position());
     if (hasFailed()) [[unlikely]]
         return raiseFailure();
     for (Value *slot = to + 1, *end = slot + argCount; slot != end; ++slot) slot->releaseObject();

@@ -132,6 +132,8 @@ void VM::runStackCode() {
             case OpCode::LOOP: {
                 const std::size_t offset = nextU16();
                 ip -= offset;
+                if (steps_.areCounted()) [[unlikely]]
+                    steps_.take();
                 break;
             }
             case OpCode::CALL: {

@@ -29,8 +29,9 @@ const Value* literal(OpCode op) noexcept {
 
 class Translator {
 public:
-    Translator(RegisterCode& result, Globals& globals)
+    Translator(RegisterCode& result, Globals& globals, Steps steps)
         : result_(result),
+          steps_(steps),
           code_(*result.proto),
           globals_(globals),
           analysis_(analyzeDepths(*result.proto)),
@@ -121,6 +122,7 @@ private:
 
     bool translateAll() {
         stack_.reset(result_.proto->arity);
+        countStep();
         for (offset_ = 0; offset_ < code_.size() && isGood_; offset_ = next_) {
             next_ = code_.after(offset_);
             writer_.standFor(offset_);
@@ -141,6 +143,10 @@ private:
             if (!forLoop() && !forInLoop()) translateOne();
         }
         return isGood_;
+    }
+
+    void countStep() {
+        if (steps_ == Steps::Counted) writer_.emit(RegisterOp::STEP);
     }
 
     void translateOne() {
@@ -219,6 +225,7 @@ private:
                 return;
             case OpCode::LOOP:
                 stack_.materializeAll();
+                countStep();
                 writer_.emit(RegisterOp::JUMP);
                 writer_.jumpBack(loopStarts_.at(next_ - code_.u16At(offset_)));
                 isFlowing_ = false;
@@ -533,6 +540,7 @@ private:
         const auto body = forBodies_.find(loop + 3 - code_.u16At(loop));
         if (body == forBodies_.end()) return false;
         stack_.materializeAll();
+        countStep();
         const auto [start, step] = body->second;
         Instruction& instruction =
             emitFor(offset_ + 6, step > 0 ? RegisterOp::FOR_LOOP_UP : RegisterOp::FOR_LOOP);
@@ -574,6 +582,7 @@ private:
         if (body == forInBodies_.end()) return false;
         const std::size_t index = code_.u16At(offset_);
         stack_.materializeAll();
+        countStep();
         Instruction& instruction = writer_.emit(RegisterOp::FOR_IN_LOOP);
         instruction.a = slotOffset(index + 1);
         instruction.b = slotOffset(index);
@@ -585,6 +594,7 @@ private:
     }
 
     RegisterCode& result_;
+    Steps steps_;
     StackCode code_;
     Globals& globals_;
     DepthAnalysis analysis_;
@@ -611,8 +621,8 @@ bool isLiteral(const Value* pointer) noexcept {
     return std::ranges::any_of(literals, [&](const Value& each) { return pointer == &each; });
 }
 
-void translate(RegisterCode& code, Globals& globals, const void* const* arms) {
-    Translator(code, globals).run();
+void translate(RegisterCode& code, Globals& globals, const void* const* arms, Steps steps) {
+    Translator(code, globals, steps).run();
     if (!arms || !code.isUsable()) return;
     for (Instruction& instruction : code.instructions) {
         instruction.arm = arms[static_cast<std::size_t>(instruction.op)];

@@ -15,8 +15,12 @@ namespace pellum {
 // Whether an instruction that points here means nil, true or false.
 bool isLiteral(const Value* pointer) noexcept;
 
+// Whether the code says when it begins a function or another round of a loop.
+enum class Steps { Free, Counted };
+
 // Fills in the code of `code.proto`. `arms` are the addresses of the engine's arms by op, or null
 // where it has none.
-void translate(RegisterCode& code, Globals& globals, const void* const* arms);
+void translate(RegisterCode& code, Globals& globals, const void* const* arms,
+               Steps steps = Steps::Free);
 
 }  // namespace pellum

@@ -39,11 +39,15 @@ VM::~VM() {
 }
 
 Value VM::run(const Ref<FunctionProto>& script) {
-    auto closure = makeRef<VMClosure>(script);
-    closure->code = &codeOf(script);
-    push(Value(Ref<CallableObj>(std::move(closure))), Position{});
+    push(closureOf(script), Position{});
     callValue(0, Position{});
     return runToBase();
+}
+
+Value VM::closureOf(const Ref<FunctionProto>& script) {
+    auto closure = makeRef<VMClosure>(script);
+    closure->code = &codeOf(script);
+    return Value(Ref<CallableObj>(std::move(closure)));
 }
 
 Value VM::call(const Value& callee, Arguments args) {
@@ -62,6 +66,13 @@ Value VM::call(const Value& callee, Arguments args) {
     }
 }
 
+void VM::recover(Mark mark) noexcept {
+    coverTopFrame();
+    while (frameCount() > mark.frameCount) popFrame();
+    closeUpvalues(stack_.slot(mark.stackSize));
+    stack_.resize(mark.stackSize);
+}
+
 Value VM::callOnTop(const Value& callee, Arguments args) {
     if (static_cast<std::size_t>(stack_.end() - stack_.top()) <= args.size()) {
         throw RuntimeError("stack overflow");
@@ -71,7 +82,10 @@ Value VM::callOnTop(const Value& callee, Arguments args) {
     for (Value& arg : args) *slot++ = std::move(arg);
     stack_.setTop(slot);
     if (!enterClosure(slot - args.size() - 1, args.size())) callValue(args.size(), Position{});
-    if (frameCount() == baseDepth_) return stack_.pop();  // a native, which has run already
+    if (frameCount() == baseDepth_) {  // a native, which has run already
+        if (steps_.areCounted()) steps_.take();
+        return stack_.pop();
+    }
     return runToBase();
 }
 
@@ -198,6 +212,7 @@ void VM::pushFrame(VMClosure& closure, std::size_t argCount, Position at) {
     const bool isExact = needsExactCallee(base - 1);
     const bool isPlain = isExact || preferred_ == Code::Stack || !code.isUsable() ||
                          stack_.end() - base < static_cast<std::ptrdiff_t>(code.maxDepth);
+    if (isPlain && steps_.areCounted()) steps_.take();
     *++frame_ = Frame{&closure,          isPlain ? exit_ : code.instructions.data(),
                       proto.code.data(), base,
                       isPlain,           isExact};
@@ -233,9 +248,24 @@ RegisterCode& VM::codeOf(const Ref<FunctionProto>& proto) {
 const RegisterCode& VM::translatedCode(VMClosure& closure) {
     RegisterCode& code = *closure.code;
     if (!code.isTranslated && preferred_ == Code::Register) {
-        translate(code, globals_, runRegisterCode(nullptr));
+        translate(code, globals_, runRegisterCode(nullptr),
+                  steps_.areCounted() ? Steps::Counted : Steps::Free);
     }
     return code;
+}
+
+std::vector<Ref<FunctionProto>> VM::functionsRun() const {
+    std::vector<Ref<FunctionProto>> functions;
+    functions.reserve(codes_.size());
+    for (const auto& [proto, code] : codes_) functions.push_back(code->proto);
+    return functions;
+}
+
+// What code a closure runs is kept by the prototype that both hold.
+void VM::forgetUnusedCode() noexcept {
+    const auto isUnused = [](const auto& entry) { return entry.second->proto->isUnshared(); };
+    while (std::erase_if(codes_, isUnused) > 0) {
+    }
 }
 
 void VM::popFrame() noexcept {

@@ -12,6 +12,7 @@
 #include "vm/closure.h"
 #include "vm/globals.h"
 #include "vm/register_code.h"
+#include "vm/step_counter.h"
 #include "vm/value_stack.h"
 
 #include <memory>
@@ -38,6 +39,42 @@ public:
 
     // Binds a global, for what is installed beside the builtins.
     void define(const Symbol& name, Value value) { globals_.define(name, std::move(value)); }
+
+    // For hosts that keep a machine: the value of a global or null, and the function whose body is
+    // a script's prototype.
+    const Value* global(const Symbol& name) const { return globals_.find(name); }
+    Value closureOf(const Ref<FunctionProto>& script);
+
+    // How deep the machine is while nothing runs, or in a native; and the way back there after
+    // something that `call` has thrown, behind which the machine is of use again.
+    struct Mark {
+        std::size_t frameCount;
+        std::size_t stackSize;
+    };
+    Mark mark() const noexcept { return {frameCount(), stack_.size()}; }
+    void recover(Mark mark) noexcept;
+
+    // Counts the steps that are taken: functions that are called, rounds of loops after the first,
+    // and builtins that builtins call. REQUIRES: nothing has run so far.
+    StepCounter& countSteps() noexcept {
+        steps_.count();
+        return steps_;
+    }
+
+    // Where the program is, or was when something was thrown that has not been recovered from: the
+    // function, or null, and the line, or 0 where a native that has called back hides it.
+    const FunctionProto* runningFunction() const noexcept {
+        return frame_->closure ? frame_->closure->proto.get() : nullptr;
+    }
+    std::uint32_t runningLine() const noexcept {
+        const bool isKnown = frame_->closure && (frame_->isPlain || frame_->pc != exit_);
+        return isKnown ? position().line : 0;
+    }
+
+    // The functions that have been called, and those that are no longer called may be dropped.
+    // REQUIRES: nothing runs.
+    std::vector<Ref<FunctionProto>> functionsRun() const;
+    void forgetUnusedCode() noexcept;
 
 private:
     struct Frame {
@@ -157,6 +194,7 @@ private:
     std::vector<Ref<Upvalue>> openUpvalues_;  // by ascending slot
     std::vector<Handler> handlers_;           // innermost last
     Globals globals_;
+    StepCounter steps_;
     Code preferred_;
     std::unordered_map<const FunctionProto*, std::unique_ptr<RegisterCode>> codes_;
 };
