@@ -29,6 +29,8 @@ const std::vector<Room> rooms = {
     {"interp", {"parser", "builtins", "operations", "driver/errors", "value"}},
     {"compiler", {"parser", "driver/errors", "value"}},
     {"vm", {"compiler", "builtins", "operations", "driver/errors", "value"}},
+    {"embed",
+     {"value", "driver/errors", "operations", "lexer", "parser", "builtins", "compiler", "vm"}},
     {"driver",
      {"value", "driver/errors", "operations", "lexer", "parser", "builtins", "interp", "compiler",
       "vm"}},

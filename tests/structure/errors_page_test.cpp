@@ -45,6 +45,9 @@ struct Exemption {
 };
 
 constexpr Exemption exemptions[] = {
+    {"src/embed/engine.cpp", "", "said to hosts; docs/embedding.md"},
+    {"src/embed/home.cpp", "", "the same"},
+    {"src/embed/value.cpp", "", "the same"},
     {"src/compiler/opcodes.h", "", "pictures of the stack, for readers"},
     {"src/compiler/disassembler.cpp", "", "listings"},
     {"src/vm/register_listing.cpp", "", "listings"},

@@ -63,7 +63,7 @@ std::string expectedTexts() {
             for (const MarkdownCommand& command : section.commands) texts += command.text + "\n";
         }
     }
-    for (const char* folder : {"tests/unit", "tests/allocation"}) {
+    for (const char* folder : {"tests/unit", "tests/allocation", "tests/embed"}) {
         for (const auto& file : filesUnder(folder, ".cpp")) {
             for (const CppLiteral& literal : stringLiterals(readFile(file))) {
                 texts += literal.text + "\n";
