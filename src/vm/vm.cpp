@@ -257,13 +257,17 @@ const RegisterCode& VM::translatedCode(VMClosure& closure) {
 std::vector<Ref<FunctionProto>> VM::functionsRun() const {
     std::vector<Ref<FunctionProto>> functions;
     functions.reserve(codes_.size());
-    for (const auto& [proto, code] : codes_) functions.push_back(code->proto);
+    for (const auto& [proto, code] : codes_) {
+        if (code) functions.push_back(code->proto);  // else memory was short
+    }
     return functions;
 }
 
 // What code a closure runs is kept by the prototype that both hold.
 void VM::forgetUnusedCode() noexcept {
-    const auto isUnused = [](const auto& entry) { return entry.second->proto->isUnshared(); };
+    const auto isUnused = [](const auto& entry) {
+        return !entry.second || entry.second->proto->isUnshared();
+    };
     while (std::erase_if(codes_, isUnused) > 0) {
     }
 }
