@@ -202,6 +202,55 @@ TEST(LintAgreement, GeneratedProgramsAreMissingWhatTheyAreMeantToMiss) {
     EXPECT_GT(total, 5U);
 }
 
+// Every operation on operands of all types fails where the linter says so, and nowhere else.
+TEST(LintAgreement, OperationsFailWhereItSaysSo) {
+    const std::vector<std::string> operands = {
+        "nil",     "true",        "(not 1)",   "1",         "2.5",
+        "(-1)",    "(1 + 2)",     "\"a\"",     "\"${1}\"",  "(\"a\" + \"b\")",
+        "[1]",     "([1] + [2])", "{a: 1}",    "str(1)",    "(function() end)",
+        "(1 < 2)", "(1 > 2)",     "type(nil)", "(1 and 2)", "(\"a\" or \"b\")",
+    };
+    std::size_t bad = 0, constant = 0;
+    for (const std::string& left : operands) {
+        std::vector<std::string> code = {
+            "-" + left,
+            left + "()",
+            left + "[0]",
+            "{[" + left + "]: 1}",
+            "(function() for i in " + left + " do return i end end)()",
+            "(function() for i = 1, " + left + " do return i end end)()",
+        };
+        for (const char* const op :
+             {"+", "-", "*", "/", "//", "%", "^", "<", "<=", ">", ">=", "==", "!="}) {
+            for (const std::string& right : operands) {
+                code.push_back(left + " " + op + " " + right);
+            }
+        }
+        std::string program;
+        for (const std::string& expression : code) {
+            program += "try print(" + expression + ") catch _ print(\"failed\") end\n";
+        }
+        const std::vector<std::string> findings = findingsIn(program);
+        const std::set<std::size_t> badLines = linesOf(findings, "bad-operand");
+        const std::set<std::size_t> constantLines = linesOf(findings, "constant-comparison");
+        bad += badLines.size();
+        constant += constantLines.size();
+        for (const Engine engine : bothEngines) {
+            const Outcome outcome = playInProcess(onEngine(engine, {"-c", program}), "");
+            const std::vector<std::string> output = splitLines(outcome.output);
+            ASSERT_EQ(output.size(), code.size()) << outcome.errors;
+            for (std::size_t i = 0; i < code.size(); ++i) {
+                EXPECT_EQ(output[i] == "failed", badLines.contains(i + 1)) << code[i];
+                if (!constantLines.contains(i + 1)) continue;
+                const bool isUnequal = code[i].find(" != ") != std::string::npos;
+                EXPECT_EQ(output[i], isUnequal ? "true" : "false") << code[i];
+            }
+        }
+    }
+    EXPECT_GT(bad, 1000U);
+    EXPECT_GT(constant, 300U);
+}
+
 }  // namespace
 
 }  // namespace pellum::test
