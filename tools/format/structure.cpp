@@ -31,6 +31,7 @@ private:
         bool expectsItem = false;  // of Items: likewise
         bool holdsBreak = false;
         bool holdsConstruct = false;
+        bool hasEmptyBlock = false;
         bool hasLadderBreak = false;  // a line ended before a word that begins another block
         bool isCatchHead = false;     // the next piece is the name behind "catch"
         Index construct = noIndex;
@@ -113,7 +114,11 @@ private:
         Index& thisJoint = blocks.joint == noIndex ? construct(blocks.construct).firstJoint
                                                    : pieces_.list[blocks.joint].end;
         thisJoint = blocks.joint = static_cast<Index>(at_);
-        if (!blocks.isBlockEmpty) construct(blocks.construct).isEmpty = false;
+        if (blocks.isBlockEmpty) {
+            blocks.hasEmptyBlock = true;
+        } else {
+            construct(blocks.construct).isEmpty = false;
+        }
         if (piece().beganLine) {
             const bool isRung =
                 piece().kind != TokenKind::End && !blocks.isBlockEmpty && !hasCommentAlone();
@@ -214,6 +219,8 @@ private:
             done.close = static_cast<Index>(at_);
             // Only a list may hold something broken without being broken itself.
             if (hasBreak && done.kind != Construct::Kind::List) done.mustBreak = true;
+            // Of an empty block nobody could tell whether it stands on the line of its head.
+            if (closed.hasLadderBreak && closed.hasEmptyBlock) done.mustBreak = true;
             done.isLadder = closed.hasLadderBreak && !done.mustBreak;
             done.hasBreak = hasBreak = hasBreak || done.mustBreak || done.isLadder;
             done.isPlain = !hasConstruct;
