@@ -34,7 +34,7 @@ void throwMisuse(const std::string& message) {
 
 Error::Error(std::shared_ptr<const Details> details) noexcept : details_(std::move(details)) {}
 Error::Error(const Value& thrown)
-    : Error(Inside::errorOf(Failure::Thrown, thrown.text(), "Error: " + thrown.text(), {}, 0, 0,
+    : Error(Inside::errorOf(Failure::Thrown, thrown.text(), renderThrown(thrown.text()), {}, 0, 0,
                             thrown)) {}
 Error::Error(const Error&) noexcept = default;
 Error& Error::operator=(const Error&) noexcept = default;

@@ -112,7 +112,7 @@ void Inside::translate(const Place& place) const {
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::length_error&) {
-        throw errorOf(Failure::Runtime, "result too large", "RuntimeError: result too large");
+        throw programError(RuntimeError("result too large"), place);
     } catch (const std::exception& other) {  // of the lexer
         throw errorOf(Failure::Syntax, other.what(), std::string("pellum: ") + other.what(),
                       nameOf(place));
@@ -154,7 +154,7 @@ Error Inside::thrownError(const ThrownValue& thrown, const Place& place) const {
     } catch (const LimitReached&) {
         text = typeName(thrown.value);
     }
-    return errorOf(Failure::Thrown, text, "Error: " + text, nameOf(place), place.line, 0,
+    return errorOf(Failure::Thrown, text, renderThrown(text), nameOf(place), place.line, 0,
                    outer(thrown.value));
 }
 
