@@ -131,7 +131,10 @@ TEST(EmbedValue, ListsOfTheLongestLengthAreFull) {
     if (!hasSmallLimits) GTEST_SKIP() << "it takes four gigabytes";
     Engine engine;
     const Value list = engine.run("return range(3000)");
-    EXPECT_EQ(outcomeOf([&] { list.push(1); }), "runtime: result too large");
+    const auto error = errorOf([&] { list.push(1); });
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->failure(), embed::Failure::Runtime);
+    EXPECT_EQ(error->diagnostic(), "RuntimeError: result too large");
     EXPECT_EQ(list.size(), 3'000u);
 }
 
