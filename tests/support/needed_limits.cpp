@@ -15,6 +15,14 @@ struct Need {
 };
 
 constexpr Need needOrdinaryLimits[] = {
+    {"Embed/EndlessProgram.EndsAfterItsSteps/16", "a list of 100,000 elements"},
+    {"Embed/GreedyProgram.", "strings and lists end before memory does"},
+    {"EmbedEngine.GoesOnAfterEachError", "the ordinary number of calls"},
+    {"EmbedLimits.MemoryThatIsGivenBackIsFreeAgain", "a list of 100,000 elements"},
+    {"EmbedLimits.SourcesMeetTheLimit", "sources end before memory does"},
+    {"EmbedLimits.TheHostMeetsTheLimitToo", "strings and lists end before memory does"},
+    {"EmbedThreads.RecursionKnowsTheStackOfItsThread", "a source of 100,000 bytes"},
+    {"Formatter.KeepsEveryProgramOfTheTests", "layouts of more than 20,000 bytes"},
     {"Fuzzing.EndlessProgramsRunOutOfFuel", "calls end before the fuel does"},
     {"Fuzzing.GrowingProgramsRunOutOfMemory", "strings and lists end before memory does"},
     {"Lifetimes.NothingStaysInFreeSlots", "strings of more than 10,000 bytes"},
