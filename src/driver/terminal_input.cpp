@@ -1,11 +1,13 @@
 #include "driver/terminal_input.h"
 
+#include "driver/terminal_mode.h"
 #include "value/interrupt.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <utility>
 
 #include <sys/select.h>
 #include <unistd.h>
@@ -41,6 +43,9 @@ TerminalInput::Event TerminalInput::wait(int milliseconds) {
         interruptIsWanted = false;
         return Event::Interrupt;
     }
+    // One that has come before the wait would not end it.
+    const int changes = QuietTerminal::changes();
+    if (std::exchange(changesSeen_, changes) != changes) return Event::Signal;
     fd_set streams;
     FD_ZERO(&streams);
     FD_SET(STDIN_FILENO, &streams);

@@ -41,6 +41,7 @@ private:
 
     std::string bytes_;
     std::size_t taken_ = 0;
+    int changesSeen_ = 0;  // of the terminal
 };
 
 }  // namespace pellum

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <iterator>
 #include <string_view>
+#include <utility>
 
 #include <termios.h>
 #include <unistd.h>
@@ -20,7 +21,7 @@ constexpr std::string_view endMarkingPastes = "\x1b[?2004l";
 // What the signal handlers need to know. It changes only while none of them can run, or in a way
 // that makes no difference to them.
 volatile std::sig_atomic_t isQuiet = false;
-volatile std::sig_atomic_t hasChanged = false;
+volatile std::sig_atomic_t changeCount = 0;
 termios usual;  // while it is quiet: what it was before
 
 void send(std::string_view text) noexcept {
@@ -29,7 +30,9 @@ void send(std::string_view text) noexcept {
 
 extern "C" void onInterrupt(int) { interruptIsWanted = true; }
 
-extern "C" void onResize(int) { hasChanged = true; }
+void countChange() noexcept { changeCount = changeCount + 1; }
+
+extern "C" void onResize(int) { countChange(); }
 
 void giveBack() noexcept {
     if (!isQuiet) return;
@@ -63,7 +66,7 @@ extern "C" void onStop(int signal) {
         send(beginMarkingPastes);
         isQuiet = true;
     }
-    hasChanged = true;
+    countChange();
     errno = problem;
 }
 
@@ -125,10 +128,12 @@ QuietTerminal::~QuietTerminal() {
     onForcedEnd(nullptr);
 }
 
+int QuietTerminal::changes() noexcept { return changeCount; }
+
 bool QuietTerminal::mustBeRedrawn() noexcept {
-    const bool answer = hasChanged;
-    hasChanged = false;
-    return answer;
+    static int seen = 0;
+    const int now = changeCount;
+    return std::exchange(seen, now) != now;
 }
 
 }  // namespace pellum

@@ -35,6 +35,9 @@ public:
     // Whether the terminal has got another size, or the process has been stopped and continued,
     // since this was last asked.
     static bool mustBeRedrawn() noexcept;
+
+    // How often either has happened so far.
+    static int changes() noexcept;
 };
 
 }  // namespace pellum

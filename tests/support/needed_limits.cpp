@@ -58,6 +58,7 @@ constexpr Need needOrdinaryLimits[] = {
     {"docs/errors/too_many_constants_", "a source of 131,074 bytes"},
     {"docs/limits/running_on_the_virtual_machine_", "the ordinary number of calls"},
     {"examples/sieve.", "a list of 50,000 elements"},
+    {"terminal/scripts.control_c_ends_a_script_", "lines that are written at once"},
 };
 
 constexpr Need needSmallLimits[] = {

@@ -47,7 +47,7 @@ protected:
     PseudoTerminal::Options options_;
 };
 
-constexpr int lineCount = limit(10'000, 400);
+constexpr int lineCount = limit(10'000, 120);
 
 std::string manyLines() {
     std::string lines = "let n = 0\r";
