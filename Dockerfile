@@ -2,7 +2,7 @@
 #
 #   docker build -t pellum .
 #   docker run --rm -i pellum                                          # the prompt; -it at a terminal
-#   docker run --rm -i -v "$PWD:/work" pellum examples/tour.plm        # a program of this folder
+#   docker run --rm -i -v "$PWD:/programs" pellum examples/tour.plm    # a program of this folder
 FROM debian:bookworm-slim AS build
 RUN apt-get update -qq && \
     apt-get install -y -qq --no-install-recommends cmake g++ make
@@ -13,7 +13,7 @@ RUN cmake -S /source -B /build -DCMAKE_BUILD_TYPE=Release -DPELLUM_STATIC=ON && 
 
 FROM scratch
 COPY --from=build /build/pellum /pellum
-WORKDIR /work
+WORKDIR /programs
 # Programs need no rights beyond reading what is mounted.
 USER 65534:65534
 ENTRYPOINT ["/pellum"]

@@ -11,8 +11,8 @@
 // that readable even when the engine has ended. Only calling a function takes a living engine.
 //
 // Errors: everything that goes wrong is thrown as an `Error`; only where the host's own memory ends
-// while it makes or copies plain data, that is std::bad_alloc. An engine goes on after each of them,
-// with its globals as they were left.
+// while it makes or copies plain data, that is std::bad_alloc. An engine goes on after each of
+// them, with its globals as they were left.
 //
 // Threads: engines have nothing in common, and each can be used on a thread of its own. An engine
 // together with its handles is used by one thread at a time, which need not always be the same.

@@ -21,9 +21,8 @@ struct FunctionProto final : Object {
     std::string name;  // empty for the script
     std::uint32_t arity = 0;
     std::vector<std::uint8_t> code;
-    std::vector<std::uint32_t>
-        lines;                     // for each byte of the code, that of the node that emitted it
-    Values constants;  // appended on every use, never shared between uses
+    std::vector<std::uint32_t> lines;           // for each byte of the code, that of its node
+    Values constants;                           // appended on every use, never shared between uses
     std::vector<Ref<FunctionProto>> functions;  // those written directly inside this one
     std::vector<UpvalueDescriptor> upvalues;    // in capture order
     Ref<Object> origin;  // what an embedding program knows the source by, or null

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "compiler/function_proto.h"
+
 namespace pellum {
 
 // A captured variable: a slot of the value stack while that slot lives, then a value of its own.

@@ -37,8 +37,7 @@ Values numbersBelow(int count) {
 
 TEST(Sort, IsStableOnRandomElements) {
     std::mt19937 random(4711);
-    FakeCaller caller(
-        [](Values& args) { return Value(keyOf(args[0]) < keyOf(args[1])); });
+    FakeCaller caller([](Values& args) { return Value(keyOf(args[0]) < keyOf(args[1])); });
     for (std::size_t count = 0; count < 200; ++count) {
         Values elements;
         for (std::size_t i = 0; i < count; ++i) {
@@ -64,8 +63,7 @@ TEST(Sort, IsStableOnRandomElements) {
 TEST(Sort, ComparesNLogNTimesAtMost) {
     std::mt19937 random(1);
     for (const std::size_t count : {2U, 3U, 10U, 1000U, 4096U, 5000U}) {
-        FakeCaller caller(
-            [](Values& args) { return Value(args[0].asInt() < args[1].asInt()); });
+        FakeCaller caller([](Values& args) { return Value(args[0].asInt() < args[1].asInt()); });
         Values elements;
         for (std::size_t i = 0; i < count; ++i) elements.emplace_back(random());
         sortedBy(caller, elements);

@@ -5,13 +5,13 @@
 #include <stdio.h>
 #include <string.h>
 
-static void show(void *user, const char *text, size_t length) {
-    fwrite(text, 1, length, (FILE *)user);
+static void show(void* user, const char* text, size_t length) {
+    fwrite(text, 1, length, (FILE*)user);
 }
 
 /* square(number) */
-static pellum_value *square(pellum_engine *engine, pellum_value *const *arguments, size_t count,
-                            void *user) {
+static pellum_value* square(pellum_engine* engine, pellum_value* const* arguments, size_t count,
+                            void* user) {
     double number;
     (void)count, (void)user;
     if (pellum_as_float(arguments[0], &number) != PELLUM_OK) {
@@ -21,7 +21,7 @@ static pellum_value *square(pellum_engine *engine, pellum_value *const *argument
     return pellum_float(number * number);
 }
 
-static pellum_status run(pellum_engine *engine, const char *source, pellum_value **result) {
+static pellum_status run(pellum_engine* engine, const char* source, pellum_value** result) {
     const pellum_status status = pellum_run(engine, source, strlen(source), "snippet", result);
     if (status != PELLUM_OK) printf("%s\n", pellum_error_diagnostic(engine));
     return status;
@@ -33,8 +33,8 @@ int main(void) {
     options.user = stdout;
     options.max_steps = 1000000;
     options.max_memory = 16 << 20;
-    pellum_engine *const engine = pellum_engine_new(&options);
-    pellum_value *result;
+    pellum_engine* const engine = pellum_engine_new(&options);
+    pellum_value* result;
     double length;
     if (!engine) return 1;
 

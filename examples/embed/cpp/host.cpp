@@ -3,6 +3,7 @@
 #include <pellum/pellum.hpp>
 
 #include <iostream>
+#include <string>
 
 int main() {
     pellum::Options options;
@@ -11,16 +12,18 @@ int main() {
     options.maxMemory = 16 << 20;
     pellum::Engine engine(options);
 
-    engine.define("price", [](pellum::Engine&, const pellum::Values& args) -> pellum::Value {
+    const auto price = [](pellum::Engine&, const pellum::Values& args) -> pellum::Value {
         return args[0].asString() == "tea" ? 250 : 320;
-    }, 1, 1);
+    };
+    engine.define("price", price, 1, 1);
     try {
-        const pellum::Value order = engine.run(
+        const std::string source =
             "let order = {tea: 2, cake: 1}\n"
             "let total = 0\n"
             "for what in order do total += price(what) * order[what] end\n"
             "print('the order comes to', total)\n"
-            "return {total: total, things: len(order)}\n", "order");
+            "return {total: total, things: len(order)}\n";
+        const pellum::Value order = engine.run(source, "order");
         std::cout << "total: " << order.get("total").asInt() << ", of "
                   << order.get("things").text() << " things\n";
 
