@@ -1,19 +1,19 @@
+#include "driver/descriptors.h"
 #include "driver/plain_prompt.h"
 #include "driver/process.h"
 #include "driver/run_main.h"
 #if defined(PELLUM_LIBEDIT)
-#include "driver/edited_prompt.h"
+#include "driver/posix/edited_prompt.h"
 #endif
 
 #include <memory>
-
-#include <unistd.h>
 
 namespace {
 
 // Null where nobody sits at a terminal.
 std::unique_ptr<pellum::PromptReader> promptAtTerminal() {
-    if (!isatty(STDIN_FILENO) || !isatty(STDOUT_FILENO)) return nullptr;
+    if (!pellum::isTerminal(pellum::inDescriptor) || !pellum::isTerminal(pellum::outDescriptor))
+        return nullptr;
     static pellum::TerminalInput input;
 #if defined(PELLUM_LIBEDIT)
     if (pellum::terminalIsCapable()) return pellum::makeEditedPrompt(input);

@@ -1,11 +1,10 @@
 #include "driver/descriptor_buffers.h"
 
+#include "driver/descriptors.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-
-#include <poll.h>
-#include <unistd.h>
 
 namespace pellum {
 
@@ -13,21 +12,13 @@ namespace {
 
 constexpr auto relaxed = std::memory_order_relaxed;
 
-// After a call that has failed: whether to try again. Waits where the descriptor does not.
-bool mayTryAgain(int descriptor, short events) noexcept {
-    if (errno == EINTR) return true;
-    if (errno != EAGAIN && errno != EWOULDBLOCK) return false;
-    pollfd waited{descriptor, events, 0};
-    return poll(&waited, 1, -1) >= 0 || errno == EINTR;
-}
-
 }  // namespace
 
 InputBuffer::int_type InputBuffer::underflow() {
-    ssize_t count;
+    std::ptrdiff_t count;
     do {
-        count = read(descriptor_, bytes_.data(), bytes_.size());
-    } while (count < 0 && mayTryAgain(descriptor_, POLLIN));
+        count = readFrom(descriptor_, bytes_.data(), bytes_.size());
+    } while (count < 0 && mayTryAgain(descriptor_, Direction::Read));
     if (count <= 0) return traits_type::eof();
     setg(bytes_.data(), bytes_.data(), bytes_.data() + count);
     return traits_type::to_int_type(bytes_.front());
@@ -40,14 +31,14 @@ bool OutputBuffer::drain() noexcept {
         if (begin >= end) break;
         isWriting_.store(true, relaxed);
         std::atomic_signal_fence(std::memory_order_seq_cst);
-        const ssize_t count = write(descriptor_, bytes_.data() + begin, end - begin);
+        const std::ptrdiff_t count = writeTo(descriptor_, {bytes_.data() + begin, end - begin});
         if (count > 0) begin_.store(begin + static_cast<std::size_t>(count), relaxed);
         std::atomic_signal_fence(std::memory_order_seq_cst);
         isWriting_.store(false, relaxed);
         const int problem = errno;
         if (afterWrite) afterWrite();
         errno = problem;
-        if (count > 0 || mayTryAgain(descriptor_, POLLOUT)) continue;
+        if (count > 0 || mayTryAgain(descriptor_, Direction::Write)) continue;
         end_.store(begin, relaxed);
         return false;
     }

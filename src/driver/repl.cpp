@@ -1,8 +1,8 @@
 #include "driver/repl.h"
 
 #include "driver/completion.h"
+#include "driver/interrupts.h"
 #include "driver/source.h"
-#include "driver/terminal_mode.h"
 #include "interp/interpreter.h"
 #include "lexer/lexer.h"
 #include "parser/parser.h"

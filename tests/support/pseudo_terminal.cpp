@@ -52,6 +52,8 @@ PseudoTerminal::PseudoTerminal(const Options& options)
     child_ = fork();
     if (child_ < 0) failWithErrno("fork");
     if (child_ == 0) {
+        // Whoever plays the tests in the background may ignore them.
+        for (const int each : {SIGINT, SIGQUIT, SIGTERM, SIGHUP}) signal(each, SIG_DFL);
         setsid();
         const int terminal = open(name.c_str(), O_RDWR);
         if (terminal < 0 || ioctl(terminal, TIOCSCTTY, 0) != 0) _exit(126);

@@ -1,5 +1,5 @@
 // The file in which the prompt keeps what has been typed.
-#include "driver/history.h"
+#include "driver/posix/history.h"
 
 #include "support/files.h"
 #include "support/text.h"

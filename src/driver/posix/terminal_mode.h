@@ -2,22 +2,9 @@
 // Whatever ends or stops the process meanwhile, the terminal is given back as it was.
 #pragma once
 
-#include <csignal>
+#include "driver/posix/handled_signal.h"
 
 namespace pellum {
-
-// While an object lives, Ctrl-C asks the running program to stop (value/interrupt.h) instead of
-// ending the process, and ends waiting for input.
-class InterruptsStopPrograms {
-public:
-    InterruptsStopPrograms() noexcept;
-    ~InterruptsStopPrograms();
-    InterruptsStopPrograms(const InterruptsStopPrograms&) = delete;
-    InterruptsStopPrograms& operator=(const InterruptsStopPrograms&) = delete;
-
-private:
-    struct sigaction before_ {};
-};
 
 // Whether the terminal behind standard input shows what is typed and hands it over line by line,
 // as it does unless somebody has asked it for something else.
@@ -38,6 +25,9 @@ public:
 
     // How often either has happened so far.
     static int changes() noexcept;
+
+private:
+    HandledSignal stop_, quit_, resize_;
 };
 
 }  // namespace pellum

@@ -1,11 +1,11 @@
-#include "driver/edited_prompt.h"
+#include "driver/posix/edited_prompt.h"
 
 #include "builtins/console.h"
 #include "driver/errors/utf8.h"
-#include "driver/history.h"
-#include "driver/libedit.h"
+#include "driver/posix/history.h"
+#include "driver/posix/libedit.h"
 #include "driver/plain_prompt.h"
-#include "driver/terminal_mode.h"
+#include "driver/posix/terminal_mode.h"
 #include "driver/terminal_output.h"
 #include "value/interrupt.h"
 

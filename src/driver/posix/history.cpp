@@ -1,4 +1,6 @@
-#include "driver/history.h"
+#include "driver/posix/history.h"
+
+#include "driver/descriptors.h"
 
 #include <algorithm>
 #include <array>
@@ -84,18 +86,6 @@ std::string readAll(int file) {
             return text;
         }
     }
-}
-
-bool writeAll(int file, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t count = write(file, text.data(), text.size());
-        if (count > 0) {
-            text.remove_prefix(static_cast<std::size_t>(count));
-        } else if (count == 0 || errno != EINTR) {
-            return false;
-        }
-    }
-    return true;
 }
 
 std::string encoded(std::string_view input) {

@@ -1,4 +1,4 @@
-#include "driver/libedit.h"
+#include "driver/posix/libedit.h"
 
 #include <initializer_list>
 #include <type_traits>

@@ -1,15 +1,14 @@
-#include "driver/terminal_mode.h"
+#include "driver/posix/terminal_mode.h"
 
+#include "driver/descriptors.h"
 #include "driver/process.h"
-#include "value/interrupt.h"
+#include "driver/terminal_output.h"
 
 #include <cerrno>
-#include <iterator>
 #include <string_view>
 #include <utility>
 
 #include <termios.h>
-#include <unistd.h>
 
 namespace pellum {
 
@@ -24,12 +23,6 @@ volatile std::sig_atomic_t isQuiet = false;
 volatile std::sig_atomic_t changeCount = 0;
 termios usual;  // while it is quiet: what it was before
 
-void send(std::string_view text) noexcept {
-    [[maybe_unused]] const ssize_t count = write(STDOUT_FILENO, text.data(), text.size());
-}
-
-extern "C" void onInterrupt(int) { interruptIsWanted = true; }
-
 void countChange() noexcept { changeCount = changeCount + 1; }
 
 extern "C" void onResize(int) { countChange(); }
@@ -37,14 +30,14 @@ extern "C" void onResize(int) { countChange(); }
 void giveBack() noexcept {
     if (!isQuiet) return;
     isQuiet = false;
-    send(endMarkingPastes);
-    tcsetattr(STDIN_FILENO, TCSANOW, &usual);
+    writeToTerminal(endMarkingPastes);
+    tcsetattr(inDescriptor, TCSANOW, &usual);
 }
 
 extern "C" void onStop(int signal) {
     const int problem = errno;
     termios quiet{};
-    tcgetattr(STDIN_FILENO, &quiet);
+    tcgetattr(inDescriptor, &quiet);
     const bool wasQuiet = isQuiet;
     giveBack();
 
@@ -62,8 +55,8 @@ extern "C" void onStop(int signal) {
     sigaction(signal, &before, nullptr);
 
     if (wasQuiet) {
-        tcsetattr(STDIN_FILENO, TCSANOW, &quiet);
-        send(beginMarkingPastes);
+        tcsetattr(inDescriptor, TCSANOW, &quiet);
+        writeToTerminal(beginMarkingPastes);
         isQuiet = true;
     }
     countChange();
@@ -76,55 +69,29 @@ extern "C" void onQuit(int signal) {
     raise(signal);
 }
 
-struct Handled {
-    int signal;
-    void (*handler)(int);
-};
-
-constexpr Handled handledSignals[] = {{SIGTSTP, onStop}, {SIGQUIT, onQuit}, {SIGWINCH, onResize}};
-struct sigaction handledBefore[std::size(handledSignals)];
-
-// Without SA_RESTART, so that waiting for input ends.
-void handle(int signal, void (*handler)(int), struct sigaction& before) noexcept {
-    sigaction(signal, nullptr, &before);
-    if (before.sa_handler == SIG_IGN) return;
-    struct sigaction action {};
-    action.sa_handler = handler;
-    sigaction(signal, &action, nullptr);
-}
-
 }  // namespace
-
-InterruptsStopPrograms::InterruptsStopPrograms() noexcept { handle(SIGINT, onInterrupt, before_); }
-
-InterruptsStopPrograms::~InterruptsStopPrograms() { sigaction(SIGINT, &before_, nullptr); }
 
 bool terminalEditsLines() noexcept {
     termios now{};
-    if (tcgetattr(STDIN_FILENO, &now) != 0) return false;
+    if (tcgetattr(inDescriptor, &now) != 0) return false;
     return (now.c_lflag & ICANON) != 0 && (now.c_lflag & ECHO) != 0;
 }
 
-QuietTerminal::QuietTerminal() noexcept {
-    tcgetattr(STDIN_FILENO, &usual);
+QuietTerminal::QuietTerminal() noexcept
+    : stop_(SIGTSTP, onStop), quit_(SIGQUIT, onQuit), resize_(SIGWINCH, onResize) {
+    tcgetattr(inDescriptor, &usual);
     termios quiet = usual;
     quiet.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO | ECHONL);
     quiet.c_cc[VMIN] = 1;
     quiet.c_cc[VTIME] = 0;
     onForcedEnd(giveBack);
-    for (std::size_t i = 0; i < std::size(handledSignals); ++i) {
-        handle(handledSignals[i].signal, handledSignals[i].handler, handledBefore[i]);
-    }
     isQuiet = true;
-    tcsetattr(STDIN_FILENO, TCSANOW, &quiet);
-    send(beginMarkingPastes);
+    tcsetattr(inDescriptor, TCSANOW, &quiet);
+    writeToTerminal(beginMarkingPastes);
 }
 
 QuietTerminal::~QuietTerminal() {
     giveBack();
-    for (std::size_t i = 0; i < std::size(handledSignals); ++i) {
-        sigaction(handledSignals[i].signal, &handledBefore[i], nullptr);
-    }
     onForcedEnd(nullptr);
 }
 
