@@ -1,6 +1,6 @@
 # What CPack needs to know. "cpack" in a build folder makes a Debian package of each component where
 # dpkg is there: "pellum", and "libpellum-dev" when the build has something to build against. "cpack
-# -G TGZ", the rule elsewhere, makes an archive of the program.
+# -G TGZ", the rule elsewhere, makes an archive of the program; for Windows it is one of the kind ZIP.
 set(PELLUM_MAINTAINER "The Pellum authors <authors@pellum.example>" CACHE STRING
     "Who answers for the packages: a name and an address")
 find_program(PELLUM_DPKG dpkg)
@@ -13,7 +13,9 @@ set(CPACK_STRIP_FILES ON)
 set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
-if(PELLUM_DPKG)
+if(WIN32)
+    set(CPACK_GENERATOR ZIP)
+elseif(PELLUM_DPKG)
     set(CPACK_GENERATOR DEB)
 else()
     set(CPACK_GENERATOR TGZ)
@@ -25,7 +27,7 @@ list(REMOVE_ITEM CPACK_COMPONENTS_ALL Unspecified)
 set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 string(TOLOWER ${CMAKE_SYSTEM_NAME}-${CMAKE_SYSTEM_PROCESSOR} system)
-if(PELLUM_STATIC)
+if(PELLUM_STATIC AND NOT WIN32)
     string(APPEND system -static)
 endif()
 set(CPACK_ARCHIVE_PROGRAM_FILE_NAME pellum-${PROJECT_VERSION}-${system})

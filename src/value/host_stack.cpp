@@ -9,6 +9,8 @@
 #if defined(__unix__)
 #include <pthread.h>
 #include <sys/resource.h>
+#elif defined(_WIN32)
+#include <windows.h>
 #endif
 
 namespace pellum {
@@ -96,8 +98,18 @@ bool stackReaches(std::uintptr_t address) noexcept {
 
 #else
 
-StackBounds boundsOfThisThread(std::uintptr_t frame) noexcept {
-    return {frame - (std::uintptr_t{512} << 10), 0};
+StackBounds boundsOfThisThread([[maybe_unused]] std::uintptr_t frame) noexcept {
+#if defined(_WIN32)
+    ULONG_PTR bottom = 0;
+    ULONG_PTR top = 0;
+    GetCurrentThreadStackLimits(&bottom, &top);
+    const std::uintptr_t wanted = top - std::min<std::uintptr_t>(top, wantedStack);
+    const std::uintptr_t lowest = std::max<std::uintptr_t>(bottom, wanted);
+    return {lowest, reserve(top - lowest)};
+#else
+    const std::size_t size = std::size_t{512} << 10;
+    return {frame - size, reserve(size)};
+#endif
 }
 
 bool stackReaches(std::uintptr_t) noexcept { return true; }
@@ -130,6 +142,7 @@ bool hostStackIsLowBelowLimit(std::uintptr_t frame) noexcept {
 
 }  // namespace detail
 
+// Where nothing is done here, it is the linker who says how much stack the program gets.
 void raiseHostStackLimit() noexcept {
 #if defined(__unix__)
     rlimit limit{};

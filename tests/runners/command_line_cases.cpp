@@ -39,7 +39,7 @@ Outcome playFromOutside(const CommandCase& commandCase, const fs::path& folder) 
         writers.emplace_back(folder / fifo.name, fifo.contents);
     }
     Process process;
-    process.executable = fs::path(PELLUM_EXECUTABLE).parent_path() / commandCase.program;
+    process.executable = programPath().parent_path() / commandCase.program;
     process.arguments = commandCase.arguments;
     process.folder = folder;
     process.input = commandCase.input;

@@ -1,8 +1,8 @@
 #include "support/files.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <fstream>
+#include <random>
 #include <sstream>
 #include <stdexcept>
 #include <system_error>
@@ -57,11 +57,11 @@ std::vector<fs::path> repositoryFiles() {
 }
 
 TemporaryFolder::TemporaryFolder() {
-    std::string name = (fs::temp_directory_path() / "pellum-test-XXXXXX").string();
-    if (!mkdtemp(name.data())) {
-        throw std::system_error(errno, std::generic_category(), "cannot make " + name);
-    }
-    path_ = name;
+    std::random_device random;
+    do {
+        path_ = fs::temp_directory_path() / ("pellum-test-" + std::to_string(random()));
+    } while (!fs::create_directory(path_));  // a name that is taken
+    fs::permissions(path_, fs::perms::owner_all);
 }
 
 TemporaryFolder::~TemporaryFolder() {

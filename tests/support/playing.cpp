@@ -1,11 +1,8 @@
 #include "support/playing.h"
 
-#include "support/process.h"
-
 #include "driver/run_main.h"
 #include "format/pellum_fmt.h"
 
-#include <cstdlib>
 #include <fstream>
 #include <functional>
 #include <sstream>
@@ -44,11 +41,6 @@ std::vector<std::string> onEngine(Engine engine, std::vector<std::string> argume
     return arguments;
 }
 
-std::filesystem::path programPath() {
-    const char* other = std::getenv("PELLUM_PROGRAM");
-    return other ? std::filesystem::absolute(other) : PELLUM_EXECUTABLE;
-}
-
 Outcome playInProcess(const std::vector<std::string>& arguments, const std::string& input,
                       OutputTo outputTo) {
     return playInProcess("pellum", arguments, input, outputTo);
@@ -67,24 +59,6 @@ Outcome playInProcess(const std::string& program, const std::vector<std::string>
     std::ostringstream out;
     const int status = run(arguments, in, out, errors);
     return {status, out.str(), errors.str()};
-}
-
-Outcome playOutside(const std::vector<std::string>& arguments, const std::string& input,
-                    const std::filesystem::path& folder, Streams streams, OutputTo outputTo) {
-    Process process;
-    process.executable = programPath();
-    process.arguments = arguments;
-    process.folder = folder;
-    process.input = input;
-    process.mergesErrors = streams == Streams::Merged;
-    if (outputTo == OutputTo::FullDevice) process.outputFile = "/dev/full";
-    process.readsOutput = outputTo == OutputTo::Memory;
-    return process.run();
-}
-
-Outcome playCase(const std::vector<std::string>& arguments, const std::string& input) {
-    return std::getenv("PELLUM_PROGRAM") ? playOutside(arguments, input)
-                                         : playInProcess(arguments, input);
 }
 
 }  // namespace pellum::test

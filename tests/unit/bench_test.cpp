@@ -20,7 +20,7 @@ double numberBehind(const std::string& report, const std::string& label) {
 
 TEST(Bench, ReportsMillisecondsAndTheirRatio) {
     const TemporaryFolder folder;
-    const std::string program = folder.path() / "wait.pellum";
+    const std::string program = (folder.path() / "wait.pellum").string();
     writeFile(program, "let start = clock()\nwhile clock() - start < 0.01 do end\n");
     const std::string report = playInProcess({"--bench", program}, "").output;
     const double tree = numberBehind(report, "tree-walker: ");
@@ -38,7 +38,7 @@ TEST(Bench, AReportThatCannotBeWrittenIsNoErrorOfTheProgram) {
     class FullDevice : public std::streambuf {
     } device;
     const TemporaryFolder folder;
-    const std::string program = folder.path() / "empty.pellum";
+    const std::string program = (folder.path() / "empty.pellum").string();
     writeFile(program, "");
     std::istringstream in;
     std::ostream out(&device);
