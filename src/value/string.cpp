@@ -154,8 +154,14 @@ constinit thread_local SharedStrings* SharedStrings::inUse = nullptr;
 
 SharedStrings& SharedStrings::current() {
     if (inUse) return *inUse;
+#if defined(__MINGW32__)
+    // The memory of a thread's variables goes before their destructors run there, so these stay.
+    thread_local SharedStrings* const ofTheThread = new SharedStrings;
+    return *ofTheThread;
+#else
     thread_local SharedStrings ofTheThread;
     return ofTheThread;
+#endif
 }
 
 SharedStrings* SharedStrings::use(SharedStrings* strings) noexcept {
