@@ -1,5 +1,7 @@
 #include "format/replace_file.h"
 
+#include "driver/descriptors.h"
+
 #include <cerrno>
 #include <csignal>
 #include <filesystem>
@@ -50,11 +52,7 @@ public:
     FileBeside& operator=(const FileBeside&) = delete;
 
     void write(std::string_view contents) {
-        while (!contents.empty()) {
-            const ssize_t count = ::write(descriptor_, contents.data(), contents.size());
-            if (count < 0) fail();
-            contents.remove_prefix(static_cast<std::size_t>(count));
-        }
+        if (!writeAll(descriptor_, contents)) fail();
     }
 
     void takePlace(const struct stat& original) {
